@@ -1,0 +1,9 @@
+#pragma once
+
+#include "share/lib/LibraryLoader.h"
+
+namespace tovel {
+
+TOVEL_DECLARE_LOADER(libpallastLoader);
+
+} // namespace tovel
