@@ -1,0 +1,97 @@
+#include "host/host.h"
+
+#include <fstream>
+#include <sstream>
+
+#include "quilljson/parser.h"
+#include "quilljson/serializer.h"
+
+namespace host {
+
+Response Call(Endpoint endpoint, std::string const& method, std::string const& params, std::string const& query,
+              std::string const& body) {
+    std::string request = method.empty() ? std::string() : "{\"method\":\"" + method + "\"}";
+    uint32_t id = endpoint(request.c_str(), params.c_str(), query.c_str(), body.c_str());
+    Response r;
+    uint32_t length = 0;
+    uint32_t status = BridgeHelperGetResponse(id, nullptr, &length);
+    EXPECT_GT(length, 0u);
+    std::string buffer(length, '\xff');
+    r.status = BridgeHelperGetResponse(id, &buffer[0], &length);
+    EXPECT_EQ(status, r.status);
+    r.text = buffer.c_str();
+    EXPECT_TRUE(quilljson::Parser().parse(&r.json, r.text)) << r.text;
+    return r;
+}
+
+std::string IdParams(std::string const& id) { return "{\"id\":\"" + id + "\"}"; }
+
+std::string OpenByDeviceID(uint32_t deviceID) {
+    Response r = Call(::DeviceID, "POST", "{\"deviceID\":\"" + std::to_string(deviceID) + "\"}");
+    EXPECT_EQ(200u, r.status) << r.text;
+    return r.value().toString("");
+}
+
+std::string OpenMonitorSensor(std::string const& product, std::string const& serial) {
+    Response r = Call(::Monitors, "POST", "{\"product\":\"" + product + "\",\"serial\":\"" + serial + "\"}");
+    EXPECT_EQ(200u, r.status) << r.text;
+    return r.value().toString("");
+}
+
+namespace {
+std::string Fetch(uint32_t (*get)(char*, uint32_t)) {
+    uint32_t length = get(nullptr, 0);
+    std::string text(length, '\0');
+    get(&text[0], length);
+    return text.c_str();
+}
+} // namespace
+
+quilljson::Value Journal() {
+    quilljson::Value journal;
+    EXPECT_TRUE(quilljson::Parser().parse(&journal, Fetch(SimGetJournal)));
+    return journal;
+}
+
+std::vector<std::string> JournalFunctions() {
+    std::vector<std::string> names;
+    for (auto const& call : Journal().arrayRef())
+        names.push_back(call["function"].toString(""));
+    return names;
+}
+
+quilljson::Value FirstCall(std::string const& function) {
+    for (auto const& call : Journal().arrayRef())
+        if (call["function"].toString("") == function)
+            return call;
+    return quilljson::Value();
+}
+
+void ClearJournal() { SimClearJournal(); }
+
+quilljson::Value World() {
+    quilljson::Value world;
+    EXPECT_TRUE(quilljson::Parser().parse(&world, Fetch(SimGetWorld)));
+    return world;
+}
+
+void LoadScenario(std::string const& json) { ASSERT_EQ(0, SimLoadScenario(json.c_str())) << json; }
+
+void LoadScenarioFile(std::string const& name) {
+    std::ifstream file(std::string(TEST_SOURCE_DIR) + "/sim/scenarios/" + name);
+    ASSERT_TRUE(file.good()) << name;
+    std::stringstream text;
+    text << file.rdbuf();
+    LoadScenario(text.str());
+}
+
+void HostTest::SetUp() {
+    LoadScenarioFile("default.json");
+    SimClearInjections();
+    Setup();
+    SimClearJournal();
+}
+
+void HostTest::TearDown() { ::TearDown(); }
+
+} // namespace host
