@@ -56,6 +56,8 @@ public:
     std::string const& error() const { return error_; }
 
 private:
+    template <int kMode> class Run; // one parse, specialised per mode (parser.cpp)
+
     std::string error_;
 };
 

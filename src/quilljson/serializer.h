@@ -23,8 +23,8 @@ class Serializer {
 public:
     // Appends the text of value to out. Fails only on a non-finite double
     // ("Floating point is nan or inf."), leaving what was written so far.
-    static bool serialize(std::string& out, Value const& value, SerializeOption const& option = SerializeOption(),
-                          std::string* error = nullptr);
+    static bool serialize(std::string& out, Value const& value,
+                          SerializeOption const& option = SerializeOption(), std::string* error = nullptr);
     // Compact text of a value, empty on failure.
     static std::string toText(Value const& value);
 };

@@ -143,9 +143,12 @@ private:
     friend class Parser;
     friend class Serializer;
 
-    void release() noexcept;                  // drops this value's content, leaves it null
-    template <typename T> T& makePrivate();   // copy-on-write of the container
-    template <typename T> T& become(Type t);  // converts into an empty container of kind t when needed
+    void release() noexcept; // drops this value's content, leaves it null
+    // Deletes a container whose count reached 0 without recursing into nested
+    // containers (see value.cpp).
+    static void destroy(uint32_t type, AbstractContainer* c) noexcept;
+    template <typename T> T& makePrivate();  // copy-on-write of the container
+    template <typename T> T& become(Type t); // converts into an empty container of kind t when needed
 
     uint32_t type_;
     union Payload {
@@ -170,5 +173,25 @@ public:
 private:
     double value_;
 };
+
+// The copy, move and release paths are inline: they run for every value the
+// parser stores and every temporary an endpoint returns.
+inline Value::Value(Value const& other) noexcept : type_(other.type_), payload_(other.payload_) {
+    if (type_ & kContainerMask) ++payload_.c->count;
+}
+inline Value::Value(Value&& other) noexcept : type_(other.type_), payload_(other.payload_) {
+    other.type_ = Null;
+    other.payload_.i = 0;
+}
+inline Value::~Value() {
+    if (type_ & kContainerMask) release();
+}
+inline void Value::release() noexcept {
+    uint32_t const type = type_;
+    AbstractContainer* const c = payload_.c;
+    type_ = Null;
+    payload_.i = 0;
+    if ((type & kContainerMask) && --c->count == 0) destroy(type, c);
+}
 
 } // namespace quilljson

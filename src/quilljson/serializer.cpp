@@ -1,0 +1,273 @@
+#include "serializer.h"
+
+#include <cmath>
+#include <vector>
+
+#include "number_text.h"
+
+namespace quilljson {
+
+namespace {
+
+char const kNonFinite[] = "Floating point is nan or inf.";
+
+// What each byte of a string becomes: 0 itself, 'u' "\u00xx", else a backslash
+// and that character. '/' and the bytes 0x80-0xFF pass through unchanged.
+struct EscapeTable {
+    char code[256];
+    constexpr EscapeTable() : code() {
+        for (int c = 0; c < 0x20; ++c)
+            code[c] = 'u';
+        code[0x7F] = 'u';
+        code[0x08] = 'b';
+        code[0x09] = 't';
+        code[0x0A] = 'n';
+        code[0x0C] = 'f';
+        code[0x0D] = 'r';
+        code[0x22] = '"';
+        code[0x5C] = '\\';
+    }
+};
+constexpr EscapeTable kEscape;
+
+// Appends to the caller's string through a raw cursor: the string is grown
+// ahead of the cursor and cut back to the written length in finish(), so the
+// hot paths are plain stores after one capacity check per value.
+class Writer {
+public:
+    explicit Writer(std::string& out) : out_(out) {
+        size_t const used = out.size();
+        out.resize(used + 256 > out.capacity() ? used + 256 : out.capacity());
+        cur_ = &out[0] + used;
+        limit_ = &out[0] + out.size();
+    }
+
+    void finish() { out_.resize(static_cast<size_t>(cur_ - out_.data())); }
+
+    void reserve(size_t n) {
+        if (static_cast<size_t>(limit_ - cur_) < n) grow(n);
+    }
+    void put(char c) { *cur_++ = c; }
+    void put(char const* s, size_t n) {
+        std::memcpy(cur_, s, n);
+        cur_ += n;
+    }
+
+    void integer(int64_t i) {
+        reserve(detail::kNumberTextMax);
+        cur_ = detail::writeInteger(cur_, i);
+    }
+
+    bool real(double d) {
+        if (!std::isfinite(d)) return false;
+        reserve(detail::kNumberTextMax);
+        if (d == 0.0)
+            put("0.0", 3);
+        else
+            cur_ = detail::writeDouble(cur_, d);
+        return true;
+    }
+
+    void string(std::string const& s) {
+        reserve(s.size() * 6 + 2);
+        char* w = cur_;
+        *w++ = '"';
+        for (unsigned char c : s) {
+            char const code = kEscape.code[c];
+            if (code == 0) { // the common case
+                *w++ = static_cast<char>(c);
+            } else if (code != 'u') {
+                w[0] = '\\';
+                w[1] = code;
+                w += 2;
+            } else {
+                static char const kHex[] = "0123456789abcdef";
+                std::memcpy(w, "\\u00", 4);
+                w[4] = kHex[c >> 4];
+                w[5] = kHex[c & 0xF];
+                w += 6;
+            }
+        }
+        *w++ = '"';
+        cur_ = w;
+    }
+
+private:
+    void grow(size_t n) {
+        size_t const used = static_cast<size_t>(cur_ - out_.data());
+        size_t size = out_.size() * 2;
+        if (size < used + n) size = used + n;
+        out_.resize(size);
+        cur_ = &out_[0] + used;
+        limit_ = &out_[0] + out_.size();
+    }
+
+    std::string& out_;
+    char* cur_;
+    char* limit_;
+};
+
+// Pretty-printing attributes; unused when compact.
+struct Layout {
+    char const* lineBreak;
+    size_t lineBreakSize;
+    char const* unit;
+    size_t unitSize;
+};
+
+// One open container: the members still to write.
+struct Frame {
+    bool isObject;
+    bool any; // a member was written: the next one needs a comma
+    Value::ObjectType::const_iterator member, memberEnd;
+    Value const* element;
+    Value const* elementEnd;
+};
+
+class SerializeWorker {
+public:
+    SerializeWorker(Writer& w, Layout const& layout) : w_(w), layout_(layout) {}
+
+    // Writes a value. Containers are walked with an explicit stack: each loop
+    // turn writes one value, opening a frame for a non-empty container, then
+    // closes finished frames and moves to the next member.
+    template <bool kPretty> bool run(Value const& root) {
+        Value const* v = &root;
+        for (;;) {
+            switch (v->type()) {
+            case Value::Null:
+                w_.reserve(4);
+                w_.put("null", 4);
+                break;
+            case Value::Boolean:
+                w_.reserve(5);
+                if (v->getBool())
+                    w_.put("true", 4);
+                else
+                    w_.put("false", 5);
+                break;
+            case Value::Integer:
+                w_.integer(v->getInteger());
+                break;
+            case Value::Float:
+                if (!w_.real(v->getDouble())) return false;
+                break;
+            case Value::String:
+                w_.string(v->stringRef());
+                break;
+            case Value::Object: {
+                auto const& map = v->objectRef();
+                w_.reserve(2);
+                if (map.empty()) {
+                    w_.put("{}", 2); // no line break inside, pretty or not
+                    break;
+                }
+                w_.put('{');
+                Frame f{};
+                f.isObject = true;
+                f.member = map.begin();
+                f.memberEnd = map.end();
+                stack_.push_back(f);
+                break;
+            }
+            case Value::Array: {
+                auto const& vec = v->arrayRef();
+                w_.reserve(2);
+                if (vec.empty()) {
+                    w_.put("[]", 2);
+                    break;
+                }
+                w_.put('[');
+                Frame f{};
+                f.isObject = false;
+                f.element = vec.data();
+                f.elementEnd = vec.data() + vec.size();
+                stack_.push_back(f);
+                break;
+            }
+            default:
+                break; // unknown tags write nothing
+            }
+
+            // Next value: close the finished containers, then step to a member.
+            for (;;) {
+                if (stack_.empty()) return true;
+                Frame& f = stack_.back();
+                if (f.isObject ? f.member == f.memberEnd : f.element == f.elementEnd) {
+                    char const close = f.isObject ? '}' : ']';
+                    stack_.pop_back();
+                    if (kPretty) indent(stack_.size());
+                    w_.reserve(1);
+                    w_.put(close);
+                    continue;
+                }
+                w_.reserve(1);
+                if (f.any) w_.put(',');
+                f.any = true;
+                if (kPretty) indent(stack_.size());
+                if (f.isObject) {
+                    w_.string(f.member->first);
+                    w_.reserve(2);
+                    w_.put(':');
+                    if (kPretty) w_.put(' ');
+                    v = &f.member->second;
+                    ++f.member;
+                } else {
+                    v = f.element++;
+                }
+                break;
+            }
+        }
+    }
+
+private:
+    void indent(size_t depth) {
+        w_.reserve(layout_.lineBreakSize + depth * layout_.unitSize);
+        w_.put(layout_.lineBreak, layout_.lineBreakSize);
+        for (size_t i = 0; i < depth; ++i)
+            w_.put(layout_.unit, layout_.unitSize);
+    }
+
+    Writer& w_;
+    Layout const& layout_;
+    std::vector<Frame> stack_;
+};
+
+} // namespace
+
+bool Serializer::serialize(std::string& out, Value const& value, SerializeOption const& option,
+                           std::string* error) {
+    bool const pretty = (option.flags & SerializeOption::Pretty) != 0;
+    Layout layout{"", 0, "", 0};
+    if (pretty) {
+        if (option.flags & SerializeOption::CRLF)
+            layout.lineBreak = "\r\n", layout.lineBreakSize = 2;
+        else
+            layout.lineBreak = "\n", layout.lineBreakSize = 1;
+        switch (option.flags & SerializeOption::IndentMask) {
+        case 1:
+            layout.unit = "    ", layout.unitSize = 4;
+            break;
+        case 2:
+            layout.unit = "\t", layout.unitSize = 1;
+            break;
+        default:
+            layout.unit = "  ", layout.unitSize = 2;
+            break;
+        }
+    }
+    Writer writer(out);
+    SerializeWorker worker(writer, layout);
+    bool const ok = pretty ? worker.run<true>(value) : worker.run<false>(value);
+    writer.finish(); // on failure the text written so far stays
+    if (error) *error = ok ? std::string() : std::string(kNonFinite);
+    return ok;
+}
+
+std::string Serializer::toText(Value const& value) {
+    std::string out;
+    if (!serialize(out, value)) out.clear();
+    return out;
+}
+
+} // namespace quilljson

@@ -1,0 +1,254 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "quilljson/parser.h"
+#include "quilljson/serializer.h"
+
+using quilljson::ParseOption;
+using quilljson::Parser;
+using quilljson::Value;
+
+namespace {
+
+struct Case {
+    std::string text;
+    uint32_t flags;
+    bool ok;
+    char const* message; // error message ("" on success)
+    char const* result;  // compact text of the target afterwards
+};
+
+void run(std::vector<Case> const& cases) {
+    for (auto const& c : cases) {
+        Value v;
+        Parser parser;
+        std::string error = "stale";
+        bool const ok = parser.parse(&v, nullptr, c.text.data(), c.text.data() + c.text.size(),
+                                     ParseOption(c.flags), &error);
+        EXPECT_EQ(ok, c.ok) << c.text;
+        EXPECT_EQ(parser.error(), c.message) << c.text;
+        EXPECT_EQ(error, c.message) << c.text;
+        EXPECT_EQ(quilljson::Serializer::toText(v), c.result) << c.text;
+        // A check-only parse agrees on the outcome.
+        EXPECT_EQ(Parser().parse(nullptr, nullptr, c.text.data(), c.text.data() + c.text.size(),
+                                 ParseOption(c.flags)),
+                  c.ok)
+            << c.text;
+    }
+}
+
+Value parsed(std::string const& text) {
+    Value v;
+    Parser parser;
+    EXPECT_TRUE(parser.parse(&v, text)) << text << ": " << parser.error();
+    return v;
+}
+
+// Writes every event as a short token.
+class Recorder : public quilljson::AbstractParseHandler {
+public:
+    std::string log;
+    int cancelAt = -1; // index of the event that returns false
+
+    bool onNull() override { return add("null"); }
+    bool onBool(bool b) override { return add(b ? "true" : "false"); }
+    bool onInteger(int64_t i) override { return add("i" + std::to_string(i)); }
+    bool onDouble(double d) override { return add("d" + Value(d).toString("")); }
+    bool onString(std::string const& s) override { return add("s:" + s); }
+    bool onArrayBegin() override { return add("["); }
+    bool onArrayEnd(uint64_t n) override { return add("]" + std::to_string(n)); }
+    bool onObjectBegin() override { return add("{"); }
+    bool onObjectKey(std::string const& k) override { return add("k:" + k); }
+    bool onObjectEnd(uint64_t n) override { return add("}" + std::to_string(n)); }
+
+private:
+    int events_ = 0;
+    bool add(std::string const& token) {
+        log += (log.empty() ? "" : " ") + token;
+        return events_++ != cancelAt;
+    }
+};
+
+} // namespace
+
+TEST(Parser, DocumentLevel) {
+    run({
+        {"", 0, false, "Unexpected character exists while parsing.", "null"},
+        {" \t\r\n", 0, false, "Unexpected character exists while parsing.", "null"},
+        {"  7  ", 0, true, "", "7"},
+        {"\xEF\xBB\xBF[]", 0, true, "", "[]"},
+        {"\xEF[]", 0, true, "", "[]"},
+        {"\xEF\xBB[]", 0, true, "", "[]"},
+        {"\xBB[]", 0, false, "Unexpected character exists while parsing.", "null"},
+        {"[1,2]x", 0, false, "Gabage string exists after json string.", "[1,2]"},
+        {"[1,2]x", ParseOption::IgnoreRest, true, "", "[1,2]"},
+        {std::string("[1] \0garbage", 12), 0, true, "", "[1]"},
+        {"1 2", 0, false, "Gabage string exists after json string.", "1"},
+        {"x", 0, false, "Unexpected character exists while parsing.", "null"},
+    });
+}
+
+TEST(Parser, ContainerLeniencyAndErrors) {
+    run({
+        {"[1,]", 0, false, "Unexpected comma exists while parsing array.", "[1]"},
+        {"[1,]", ParseOption::TrailingComma, true, "", "[1]"},
+        {"[,]", ParseOption::TrailingComma, false, "Unexpected character exists while parsing.", "[]"},
+        {R"({"a":1,})", 0, false, "Unexpected comma exists while parsing object.", R"({"a":1})"},
+        {R"({"a":1,})", ParseOption::TrailingComma, true, "", R"({"a":1})"},
+        // The text may end inside the top-level container, right after its opening or a comma.
+        {"[1,", 0, true, "", "[1]"},
+        {"[", 0, true, "", "[]"},
+        {"{", 0, true, "", "{}"},
+        {R"({"a":1,)", 0, true, "", R"({"a":1})"},
+        {"[1", 0, false, "Unexpected string exists while parsing array.", "[1]"},
+        {"[1,[2,", 0, false, "Unexpected string exists while parsing array.", "[1,[2]]"},
+        {R"({"a":{)", 0, false, "Unexpected string exists while parsing object.", R"({"a":{}})"},
+        {"[1, ", 0, false, "Unexpected character exists while parsing.", "[1]"},
+        // Stray bytes where a member should start are skipped.
+        {R"({x "a":1})", 0, true, "", R"({"a":1})"},
+        {R"({"a":1,x})", 0, false, "Unexpected comma exists while parsing object.", R"({"a":1})"},
+        {R"({"a":1,"a":2,"b":3,"a":4})", 0, true, "", R"({"a":1,"b":3})"},
+        {R"({"a" 1})", 0, false, "Unexpected string exists while parsing object.", "{}"},
+        {R"({"a")", 0, false, "Unexpected string exists while parsing object.", "{}"},
+        {R"({"a":})", 0, false, "Unexpected character exists while parsing.", "{}"},
+        {R"({"a":1 "b":2})", 0, false, "Unexpected string exists while parsing object.", R"({"a":1})"},
+        {"[1 2]", 0, false, "Unexpected string exists while parsing array.", "[1]"},
+        {"[1,x]", 0, false, "Unexpected character exists while parsing.", "[1]"},
+        // After a failure the target holds what was complete.
+        {R"({"a":1,"b":[1,2,x]})", 0, false, "Unexpected character exists while parsing.", R"({"a":1})"},
+        {R"([1,{"a":2},{"b":tru}])", 0, false, "Invalid boolean type string exists.", R"([1,{"a":2}])"},
+    });
+}
+
+TEST(Parser, Literals) {
+    run({
+        {"[true,false,null]", 0, true, "", "[true,false,null]"},
+        {"tru", 0, false, "Invalid boolean type string exists.", "null"},
+        {"fals", 0, false, "Invalid boolean type string exists.", "null"},
+        {"trUe", 0, false, "Invalid boolean type string exists.", "null"},
+        {"nul", 0, false, "Invalid null type string exists.", "null"},
+        {"[truex]", 0, false, "Unexpected string exists while parsing array.", "[true]"},
+    });
+}
+
+TEST(Parser, Numbers) {
+    run({
+        {"01", 0, false, "Unexpected '0' character is found while parsing number.", "null"},
+        {"-", 0, false, "Digit is not found while parsing number.", "null"},
+        {"-a", 0, false, "Digit is not found while parsing number.", "null"},
+        {"1.", 0, false, "Digit is not found after the decimal point while parsing number.", "null"},
+        {"1.e5", 0, false, "Digit is not found after the decimal point while parsing number.", "null"},
+        {"1e", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
+        {"1e+", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
+        {"1E-x", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
+        {"-0", 0, true, "", "0"},
+        {"1.0", 0, true, "", "1"},
+        {"1.5e0", 0, true, "", "1.5"},
+        {"1E+2", 0, true, "", "100"},
+        {"-2.5e-3", 0, true, "", "-0.0025000000000000001"},
+        {"1e400", 0, true, "", ""}, // stored as infinity, which does not serialize
+        {"1e-400", 0, true, "", "0.0"},
+        {"[9223372036854775807,-9223372036854775807]", 0, true, "",
+         "[9223372036854775807,-9223372036854775807]"},
+    });
+    EXPECT_TRUE(parsed("1e0").isInteger());
+    EXPECT_EQ(parsed("1e-00").getInteger(), 1);
+    EXPECT_TRUE(parsed("1.0").isDouble());
+    EXPECT_TRUE(parsed("-0").isInteger());
+    EXPECT_TRUE(parsed("9223372036854775808").isDouble());
+    EXPECT_TRUE(parsed("-9223372036854775808").isDouble()); // 8 above 7 at the bound
+    EXPECT_EQ(parsed("9223372036854775808").getDouble(), 9223372036854775808.0);
+    // Past the bound a digit up to 7 is still multiplied in and the magnitude wraps.
+    EXPECT_EQ(parsed("92233720368547758070").getInteger(), -10);
+    EXPECT_EQ(parsed("123456789012345678901234567890").getDouble(), 1.2345678901234568e29);
+    EXPECT_EQ(parsed("4.9406564584124654e-324").getDouble(), 4.9406564584124654e-324);
+    EXPECT_EQ(parsed("1e400").getDouble(), INFINITY);
+    EXPECT_EQ(parsed("0.1").getDouble(), 0.1);
+}
+
+TEST(Parser, Strings) {
+    run({
+        {R"("a\x")", 0, false, "Unexpected escape character is found while parsing string.", "null"},
+        {"\"a\\", 0, false, "Unexpected escape character is found while parsing string.", "null"},
+        {R"("abc)", 0, false, "Expected string ending character '\"' is not found.", "null"},
+        {R"("a\n)", 0, false, "Expected string ending character '\"' is not found.", "null"},
+        {R"("\u12")", 0, false, "Invalid unicode hex string is found while parsing string.", "null"},
+        {R"("\u12)", 0, false, "Invalid unicode hex string is found while parsing string.", "null"},
+        {R"("\uD83D")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
+        {R"("\uD83Dx")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
+        {R"("\uD83D\n")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
+        {R"("\uD83D\u0041")", 0, false, "Invalid unicode surrogate pair is found while parsing string.",
+         "null"},
+        {R"("\uD83D\uZZZZ")", 0, false, "Invalid unicode hex string is found while parsing string.", "null"},
+        {R"(["ok","\uDE00"])", 0, false, "", R"(["ok"])"}, // a lone low surrogate fails silently
+        {R"({"\uDC00":1})", 0, false, "", "{}"},
+    });
+    EXPECT_EQ(parsed(R"("\uD83D\uDE00")").stringRef(), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(parsed(R"("\udbff\udfff")").stringRef(), "\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(parsed(R"("\u00e9\u20AC\u0041")").stringRef(), "\xC3\xA9\xE2\x82\xAC"
+                                                             "A");
+    EXPECT_EQ(parsed(R"("a\u0000b")").stringRef(), std::string("a\0b", 3));
+    EXPECT_EQ(parsed(R"("\"\\\/\b\f\n\r\t")").stringRef(), "\"\\/\b\f\n\r\t");
+    // Raw control bytes and invalid UTF-8 are taken as they are.
+    EXPECT_EQ(parsed(std::string("\"\x01\t\xFF\0\"", 6)).stringRef(), std::string("\x01\t\xFF\0", 4));
+    EXPECT_EQ(parsed(R"({"k\n":"v"})").objectRef().begin()->first, "k\n");
+}
+
+TEST(Parser, ExistingTargetContent) {
+    Value obj;
+    obj["a"] = 1;
+    obj["b"] = 5;
+    Value sharer = obj;
+    EXPECT_TRUE(Parser().parse(&obj, R"({"b":2,"c":3})"));
+    // Members stay, new ones are inserted (insert does not copy a shared object).
+    EXPECT_EQ(quilljson::Serializer::toText(sharer), R"({"a":1,"b":5,"c":3})");
+
+    Value arr;
+    arr[0] = 1;
+    Value arrSharer = arr;
+    EXPECT_TRUE(Parser().parse(&arr, "[2]"));
+    EXPECT_EQ(quilljson::Serializer::toText(arr), "[1,2]");
+    EXPECT_EQ(quilljson::Serializer::toText(arrSharer), "[1]");
+
+    Value str = "old";
+    std::string const* storage = &str.stringRef();
+    EXPECT_TRUE(Parser().parse(&str, R"("new")"));
+    EXPECT_EQ(&str.stringRef(), storage);
+    EXPECT_EQ(str.stringRef(), "new");
+
+    EXPECT_TRUE(Parser().parse(&obj, "[]"));
+    EXPECT_TRUE(obj.isArray());
+}
+
+TEST(Parser, HandlerModes) {
+    std::string const text = R"({"b":[2,3.5,"s",true,null,[]],"a":{}} )";
+    Recorder all;
+    EXPECT_TRUE(Parser().parse(nullptr, &all, text.data(), text.data() + text.size()));
+    EXPECT_EQ(all.log, "{ k:b [ i2 d3.5 s:s true null [ ]0 ]6 k:a { }0 }2");
+
+    Recorder keys;
+    Value v;
+    EXPECT_TRUE(Parser().parse(&v, &keys, text.data(), text.data() + text.size()));
+    EXPECT_EQ(keys.log, "k:b ]0 ]6 k:a }0 }2");
+    EXPECT_EQ(quilljson::Serializer::toText(v), R"({"a":{},"b":[2,3.5,"s",true,null,[]]})");
+
+    Recorder escaped; // decoded text reaches the handler
+    std::string const esc = R"({"k\t":"v\u00e9"})";
+    EXPECT_TRUE(Parser().parse(nullptr, &escaped, esc.data(), esc.data() + esc.size()));
+    EXPECT_EQ(escaped.log, "{ k:k\t s:v\xC3\xA9 }1");
+
+    for (int at : {0, 1, 3, 9}) {
+        Recorder cancel;
+        cancel.cancelAt = at;
+        Parser parser;
+        EXPECT_FALSE(parser.parse(nullptr, &cancel, text.data(), text.data() + text.size()));
+        EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
+    }
+    Recorder cancelKey;
+    cancelKey.cancelAt = 0;
+    Value partial;
+    Parser parser;
+    EXPECT_FALSE(parser.parse(&partial, &cancelKey, text.data(), text.data() + text.size()));
+    EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
+}

@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "quilljson/serializer.h"
+#include "quilljson/value.h"
+
+using quilljson::Double;
+using quilljson::Value;
+
+namespace {
+
+std::string text(Value const& v) {
+    return quilljson::Serializer::toText(v);
+}
+
+std::string doubleText(double d) {
+    std::string out;
+    Double(d).toString(out);
+    return out;
+}
+
+} // namespace
+
+TEST(Value, CopiesShareUntilWrittenThroughAnAccessor) {
+    Value b;
+    b["k"] = 1;
+    b["list"][0] = "x";
+    Value a = b;
+    EXPECT_EQ(b.useCount(), 2u);
+
+    a["k"] = 2; // a takes a private copy, one level deep
+    EXPECT_EQ(text(b), R"({"k":1,"list":["x"]})");
+    EXPECT_EQ(text(a), R"({"k":2,"list":["x"]})");
+    EXPECT_EQ(b.useCount(), 1u);
+    EXPECT_EQ(b["list"].useCount(), 2u); // the nested array is now shared by both copies
+
+    a["list"][1] = "y"; // and is copied when written through a
+    EXPECT_EQ(text(b["list"]), R"(["x"])");
+    EXPECT_EQ(text(a["list"]), R"(["x","y"])");
+}
+
+TEST(Value, InsertWritesThroughSharingAndKeepsExistingMembers) {
+    Value b = Value::object();
+    Value a = b;
+    a.insert("k", 1);
+    EXPECT_EQ(text(b), R"({"k":1})"); // no copy on write for insert
+    a.insert("k", 2);
+    EXPECT_EQ(text(a), R"({"k":1})");
+    a.insert("self", a);
+    EXPECT_FALSE(a.contains("self"));
+
+    Value n = 5;
+    n.insert("x", true); // a non-object becomes an object first
+    EXPECT_EQ(text(n), R"({"x":true})");
+}
+
+TEST(Value, StringAssignmentReusesOnlyAnUnsharedString) {
+    Value a = "one";
+    Value b = a;
+    a = "two"; // shared: a takes a fresh string
+    EXPECT_EQ(b.stringRef(), "one");
+    EXPECT_EQ(a.stringRef(), "two");
+    EXPECT_EQ(a.useCount(), 1u);
+    std::string const* storage = &a.stringRef();
+    a = "three";
+    EXPECT_EQ(&a.stringRef(), storage);
+    Value obj = Value::object();
+    obj = "text";
+    EXPECT_TRUE(obj.isString());
+}
+
+TEST(Value, LookupsByConstAndMutableAccess) {
+    Value const i = 7;
+    EXPECT_TRUE(i["x"].isNull());
+    EXPECT_EQ(&i["x"], &Value::s_null());
+    EXPECT_EQ(&i[3], &Value::s_null());
+    EXPECT_TRUE(i.isInteger());
+
+    Value m = 7;
+    m["x"];
+    EXPECT_EQ(text(m), R"({"x":null})");
+
+    Value arr = Value::array();
+    arr[3];
+    EXPECT_EQ(text(arr), "[null,null,null,null]");
+    Value const& carr = arr;
+    EXPECT_TRUE(carr[4].isNull());
+    EXPECT_EQ(arr.size(), 4u);
+
+    Value nested;
+    nested["a"] = 1;
+    nested = nested["a"]; // assigning a member of itself
+    EXPECT_EQ(nested.getInteger(), 1);
+}
+
+TEST(Value, Equality) {
+    EXPECT_NE(Value(1), Value(1.0));
+    EXPECT_EQ(Value(0.0), Value(-0.0));
+    Value nan = std::nan("");
+    EXPECT_NE(nan, nan);
+    EXPECT_EQ(Value(), Value());
+    EXPECT_NE(Value(), Value(false));
+    EXPECT_EQ(Value(std::string("a\0b", 3)), Value(std::string("a\0b", 3)));
+    EXPECT_NE(Value(std::string("a\0b", 3)), Value(std::string("a\0c", 3)));
+
+    Value a, b;
+    a["x"][0] = 1;
+    b["x"][0] = 1;
+    EXPECT_EQ(a, b);
+    b["x"][1] = 2;
+    EXPECT_NE(a, b);
+    Value c;
+    c["y"][0] = 1;
+    EXPECT_NE(a, c);
+    Value holdsNan;
+    holdsNan["n"] = std::nan("");
+    Value same = holdsNan;
+    EXPECT_NE(holdsNan, same); // members are compared, not identities
+}
+
+TEST(Value, ScalarText) {
+    EXPECT_EQ(Value(true).toString("-"), "true");
+    EXPECT_EQ(Value(-5).toString("-"), "-5");
+    EXPECT_EQ(Value(std::numeric_limits<int64_t>::min()).toString(""), "-9223372036854775808");
+    EXPECT_EQ(Value(2.5).toString(""), "2.5");
+    EXPECT_EQ(Value("s").toString(""), "s");
+    EXPECT_EQ(Value::object().toString("fb"), "fb");
+    EXPECT_EQ(Value().toString("fb"), "fb");
+}
+
+TEST(Value, LenientConversions) {
+    EXPECT_TRUE(Value("true").asBool());
+    EXPECT_FALSE(Value("True").asBool());
+    EXPECT_TRUE(Value(0.5).asBool());
+    EXPECT_EQ(Value(2.5).asInteger(), 3);
+    EXPECT_EQ(Value(-2.5).asInteger(), -3);
+    EXPECT_EQ(Value(1e19).asInteger(), 0);
+    EXPECT_EQ(Value(std::nan("")).asInteger(), 0);
+    EXPECT_EQ(Value("-42").asInteger(), -42);
+    EXPECT_EQ(Value("42x").asInteger(), 0);
+    EXPECT_EQ(Value("99999999999999999999").asInteger(), 0);
+    EXPECT_EQ(Value(true).asInteger(), 1);
+    EXPECT_EQ(Value("1.5").asDouble(), 1.5);
+    EXPECT_EQ(Value("1.5x").asDouble(), 0.0);
+    EXPECT_EQ(Value(3).asDouble(), 3.0);
+}
+
+TEST(Double, Text) {
+    EXPECT_EQ(doubleText(2.0), "2");
+    EXPECT_EQ(doubleText(0.0), "0.0");
+    EXPECT_EQ(doubleText(-0.0), "0.0");
+    EXPECT_EQ(doubleText(0.1), "0.10000000000000001");
+    EXPECT_EQ(doubleText(1e300), "1.0000000000000001e+300");
+    EXPECT_EQ(doubleText(-1.5e-7), "-1.4999999999999999e-07");
+    std::string out;
+    EXPECT_FALSE(Double(std::nan("")).toString(out));
+    EXPECT_FALSE(Double(-INFINITY).toString(out));
+    EXPECT_FALSE(Double(INFINITY).toString(out));
+    EXPECT_EQ(out, "nan-infinf");
+}
+
+// The fast double formatting must give exactly what "%.17g" gives.
+TEST(Double, TextMatchesPrintfOnRandomDoubles) {
+    std::mt19937_64 rng(12345);
+    std::uniform_real_distribution<double> ordinary(-1e6, 1e6);
+    auto check = [](double d) {
+        if (!std::isfinite(d) || d == 0.0) return;
+        char expected[128];
+        std::snprintf(expected, sizeof expected, "%.17g", d);
+        ASSERT_EQ(doubleText(d), expected) << std::hexfloat << d;
+    };
+    for (int i = 0; i < 300000; ++i) {
+        uint64_t bits = rng();
+        double d;
+        std::memcpy(&d, &bits, sizeof d);
+        check(d);
+        check(ordinary(rng));
+        check(static_cast<double>(static_cast<int64_t>(rng() >> (rng() % 64))));
+    }
+    for (double d : {std::numeric_limits<double>::min(), std::numeric_limits<double>::max(),
+                     std::numeric_limits<double>::denorm_min(), 5e-324, 1e23, 9007199254740993.0, 0.5, 1e-5})
+        check(d);
+}
+
+TEST(Double, StrToDoubleNeedsTheWholeText) {
+    bool ok = false;
+    EXPECT_EQ(Double::strToDouble("1.25", &ok), 1.25);
+    EXPECT_TRUE(ok);
+    Double::strToDouble("1.25.3", &ok);
+    EXPECT_FALSE(ok);
+    Double::strToDouble("1e999", &ok);
+    EXPECT_TRUE(ok);
+}
