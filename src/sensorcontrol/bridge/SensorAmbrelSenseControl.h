@@ -6,8 +6,16 @@
 namespace tovel {
 namespace bridge {
 
-class SensorAmbrelSense : public Bridge {};
-class SensorAmbrelSenseLevel : public Bridge {};
+class SensorAmbrelSense : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+    BridgeResult Put(BridgeData const& data) override;
+};
+class SensorAmbrelSenseLevel : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+    BridgeResult Put(BridgeData const& data) override;
+};
 
 } // namespace bridge
 } // namespace tovel
