@@ -7,7 +7,11 @@ namespace tovel {
 
 class MirelLogger : public LoggerBase {
 public:
-    static MirelLogger& Instance();
+    // Created on first use (binding to the logging library then), kept to process exit.
+    static MirelLogger& Instance() {
+        static MirelLogger instance;
+        return instance;
+    }
 
 private:
     MirelLogger() : LoggerBase("Mirel") {}

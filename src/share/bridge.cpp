@@ -1,0 +1,205 @@
+#include "share/bridge.h"
+
+#include <cctype>
+#include <cstring>
+#include <map>
+
+#include "quilljson/parser.h"
+#include "quilljson/serializer.h"
+#include "sensorcontrol/MirelLogger.h"
+#include "sensorcontrol/sensorcontrol.h"
+#include "tvl/threading/mutex_locker.h"
+
+namespace {
+
+struct BridgeResponse {
+    _BridgeStatusCode status;
+    std::string text;
+};
+
+// The promise counter and the responses, behind one lock. Never destroyed, so
+// a host thread still calling while the process exits finds it intact.
+struct ResponseStore {
+    CriticalSection lock;
+    uint32_t counter = 0;
+    std::map<uint32_t, BridgeResponse> responses;
+};
+
+ResponseStore& store() {
+    static ResponseStore* const instance = new ResponseStore;
+    return *instance;
+}
+
+char const kUnknownErrorResponse[] =
+    "{\"error\":{\"message\":\"Unknown error occurred.\",\"name\":\"UnknownError\"},\"value\":null}";
+
+// A text that does not parse leaves the field null, whatever the parser built.
+quilljson::Value parseText(char const* text) {
+    quilljson::Value parsed;
+    if (text == nullptr) return parsed;
+    if (!quilljson::Parser().parse(&parsed, nullptr, text, text + std::strlen(text)))
+        return quilljson::Value();
+    return parsed;
+}
+
+std::string methodText(quilljson::Value const& request, char const* fallback) {
+    if (!request.contains("method")) return fallback;
+    quilljson::Value const& method = request["method"];
+    return method.isString() ? method.stringRef() : std::string();
+}
+
+} // namespace
+
+uint32_t BridgeTemplate::operator()(char const* request, char const* parameters, char const* query,
+                                    char const* data) {
+    uint32_t const id = BridgeHelperCreatePromiseID();
+    BridgeResult const result = execute(request, parameters, query, data);
+
+    quilljson::Value response = quilljson::Value::object();
+    if (result.error.empty()) {
+        response["error"] = quilljson::Value();
+    } else {
+        quilljson::Value& error = response["error"];
+        error = result.error.value;
+        error["name"] = result.error.name;
+        error["message"] = result.error.message;
+    }
+    response["value"] = result.value;
+
+    // A non-finite number stops the serializer; what it wrote so far is kept.
+    std::string text;
+    quilljson::Serializer::serialize(text, response);
+    BridgeHelperSetResponse(id, result.status, text);
+    return id;
+}
+
+BridgeResult BridgeTemplate::execute(char const* request, char const* parameters, char const* query,
+                                     char const* data) {
+    BridgeData bridgeData;
+    bridgeData.request = parseText(request);
+    bridgeData.parameters = parseText(parameters);
+    bridgeData.query = parseText(query);
+    bridgeData.data = parseText(data);
+    if (bridgeData.data.isNull() && data != nullptr && data[0] != '\0')
+        bridgeData.data = quilljson::Value(data);
+
+    BridgeMethod const method = getMethod(bridgeData.request);
+    onBeginBridge(bridgeData);
+
+    BridgeResult result;
+    try {
+        switch (method) {
+        case BridgeMethodPost:
+            result = Post(bridgeData);
+            break;
+        case BridgeMethodPut:
+            result = Put(bridgeData);
+            break;
+        case BridgeMethodDelete:
+            result = Delete(bridgeData);
+            break;
+        case BridgeMethodGet:
+        default:
+            result = Get(bridgeData);
+            break;
+        }
+    } catch (BridgeResultError const& error) {
+        result = error;
+    } catch (...) {
+        result = BridgeResultError(500, "UnknownError", "Unknown error occurred.");
+    }
+
+    onEndBridge(bridgeData, result);
+    return result;
+}
+
+void BridgeTemplate::onBeginBridge(BridgeData const&) {}
+void BridgeTemplate::onEndBridge(BridgeData const&, BridgeResult const&) {}
+
+BridgeResult BridgeTemplate::Get(BridgeData const&) {
+    throw BridgeResultError(405, "MethodError", "GET method is not allowed.");
+}
+BridgeResult BridgeTemplate::Put(BridgeData const&) {
+    throw BridgeResultError(405, "MethodError", "PUT method is not allowed.");
+}
+BridgeResult BridgeTemplate::Post(BridgeData const&) {
+    throw BridgeResultError(405, "MethodError", "POST method is not allowed.");
+}
+BridgeResult BridgeTemplate::Delete(BridgeData const&) {
+    throw BridgeResultError(405, "MethodError", "DELETE method is not allowed.");
+}
+
+BridgeMethod BridgeTemplate::getMethod(quilljson::Value const& request) {
+    if (!request.isObject() || !request.contains("method")) return BridgeMethodGet;
+    std::string word = methodText(request, "");
+    for (char& c : word)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (word == "post") return BridgeMethodPost;
+    if (word == "put") return BridgeMethodPut;
+    if (word == "delete") return BridgeMethodDelete;
+    return BridgeMethodGet;
+}
+
+namespace tovel {
+
+char const* const kBridgeHostSegment = "/sensorbridge.tovelworks.net/";
+
+Bridge::Bridge() : uri(kBridgeHostSegment) {}
+
+void Bridge::onEndBridge(BridgeData const& data, BridgeResult const& result) {
+    std::string word = methodText(data.request, "GET");
+    for (char& c : word)
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    if (word != "PUT" && word != "POST" && word != "DELETE") word = "GET";
+    MirelLogger::Instance().logResult(uri, word, result);
+}
+
+uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char const* parameters,
+                            char const* query, char const* data) {
+    try {
+        return endpoint(request, parameters, query, data);
+    } catch (...) {
+    }
+    uint32_t id = 0;
+    try {
+        id = BridgeHelperCreatePromiseID();
+        BridgeHelperSetResponse(id, 500, kUnknownErrorResponse);
+    } catch (...) {
+        // Out of memory even for the fallback: the id stays unanswered (its fetch gives 500).
+    }
+    return id;
+}
+
+} // namespace tovel
+
+uint32_t BridgeHelperCreatePromiseID() {
+    ResponseStore& s = store();
+    CriticalSectionLocker locker(&s.lock);
+    return ++s.counter;
+}
+
+void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string const& text) {
+    ResponseStore& s = store();
+    CriticalSectionLocker locker(&s.lock);
+    s.responses[id] = BridgeResponse{status, text};
+}
+
+uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length) {
+    if (length == nullptr) return 500;
+    ResponseStore& s = store();
+    CriticalSectionLocker locker(&s.lock);
+    auto const entry = s.responses.find(id);
+    if (entry == s.responses.end()) return 500;
+    std::string const& text = entry->second.text;
+    _BridgeStatusCode const status = entry->second.status;
+    uint32_t const n = static_cast<uint32_t>(text.size());
+    if (buffer == nullptr) {
+        *length = n + 1;
+        return status;
+    }
+    uint32_t const copy = *length < n ? *length : n;
+    std::memset(buffer, 0, *length);
+    std::memcpy(buffer, text.data(), copy);
+    s.responses.erase(entry);
+    return status;
+}
