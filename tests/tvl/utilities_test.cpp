@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+
+#include <set>
+#include <thread>
+
+#include "tvl/fs/path.h"
+#include "tvl/string_utils.h"
+#include "tvl/threading/mutex_locker.h"
+#include "tvl/uuid_posix.h"
+
+namespace {
+
+std::vector<std::string> Split(std::string const& text, std::string const& delimiter) {
+    std::vector<std::string> out{"kept"};
+    string::split(out, text, delimiter);
+    return out;
+}
+
+std::string Replaced(std::string s, std::string const& from, std::string const& to) {
+    return string::replace_all(s, from, to);
+}
+
+} // namespace
+
+TEST(StringUtils, SplitDropsEmptyPiecesAndAppends) {
+    EXPECT_EQ(Split("", "/"), (std::vector<std::string>{"kept"}));
+    EXPECT_EQ(Split("abc", "/"), (std::vector<std::string>{"kept", "abc"}));
+    EXPECT_EQ(Split("/a//b/", "/"), (std::vector<std::string>{"kept", "a", "b"}));
+    EXPECT_EQ(Split("a::b::::c", "::"), (std::vector<std::string>{"kept", "a", "b", "c"}));
+}
+
+TEST(StringUtils, ReplaceAllNeverSearchesReplacedText) {
+    EXPECT_EQ(Replaced("aaa", "a", "aa"), "aaaaaa");
+    EXPECT_EQ(Replaced("a.b.c", ".", ""), "abc");
+    EXPECT_EQ(Replaced("xyxy", "xy", "xy"), "xyxy");
+    EXPECT_EQ(Replaced("abcabc", "bc", "-"), "a-a-");
+}
+
+TEST(StringUtils, NumbersReadLikeStreamExtraction) {
+    EXPECT_EQ(string::to<int>("42abc"), 42);
+    EXPECT_EQ(string::to<int>("abc"), 0);
+    EXPECT_EQ(string::to<int>(" 7"), 7);
+    EXPECT_EQ(string::to<int>("-12"), -12);
+    EXPECT_EQ(string::to<int>("5-"), 5);
+    EXPECT_EQ(string::to<unsigned int>("4294967295"), 4294967295u);
+    EXPECT_EQ(string::to<unsigned long>("18446744073709551615"), 18446744073709551615ul);
+    EXPECT_EQ(string::to_pointer("0x1f"), reinterpret_cast<void*>(0x1f));
+    EXPECT_EQ(string::to_pointer("ff"), reinterpret_cast<void*>(0xff));
+    EXPECT_EQ(string::to_pointer("zz"), nullptr);
+}
+
+TEST(StringUtils, HexIsLowerCaseAndPadded) {
+    EXPECT_EQ(string::hex<unsigned long>(255, 4), "00ff");
+    EXPECT_EQ(string::hex<long>(-1, 2), "ffffffffffffffff");
+    EXPECT_EQ(string::hex<unsigned long>(4096, 0), "1000");
+    EXPECT_EQ(string::hex<long>(0x80000001L, 8), "80000001");
+    EXPECT_EQ(string::hex<long>(0, 8), "00000000");
+}
+
+TEST(Path, KeepsNoTrailingSeparator) {
+    EXPECT_EQ(fs::Path("/usr/lib/").string(), "/usr/lib");
+    EXPECT_EQ(fs::Path("a//").string(), "a/");
+    EXPECT_EQ(fs::Path("c:\\dir\\").string(), "c:\\dir");
+    EXPECT_EQ(fs::Path("").string(), "");
+
+    fs::Path path("lib");
+    path.appendPathComponent("x.dylib");
+    EXPECT_EQ(path.string(), "lib/x.dylib");
+    path.assign("lib");
+    path.appendPathComponent("/x");
+    EXPECT_EQ(path.string(), "lib/x");
+    path.appendPathComponent("");
+    EXPECT_EQ(path.string(), "lib/x");
+    path.appendPathComponent("y/");
+    EXPECT_EQ(path.string(), "lib/x/y");
+}
+
+TEST(Locks, AreRecursive) {
+    CriticalSection section;
+    {
+        CriticalSectionLocker outer(&section);
+        CriticalSectionLocker inner(&section);
+    }
+    threading::Mutex mutex;
+    EXPECT_EQ(mutex.lock(), 0);
+    EXPECT_TRUE(mutex.tryLock());
+    bool takenElsewhere = true;
+    std::thread([&] { takenElsewhere = mutex.tryLock(); }).join();
+    EXPECT_FALSE(takenElsewhere);
+    EXPECT_EQ(mutex.unlock(), 0);
+    EXPECT_EQ(mutex.unlock(), 0);
+    std::thread([&] {
+        takenElsewhere = mutex.tryLock();
+        if (takenElsewhere) mutex.unlock();
+    }).join();
+    EXPECT_TRUE(takenElsewhere);
+}
+
+TEST(Uuid, IsLowerCaseTextAndFresh) {
+    std::set<std::string> seen;
+    for (int i = 0; i < 100; ++i) {
+        std::string const id = uuid::create();
+        ASSERT_EQ(id.size(), 36u);
+        for (size_t k = 0; k < id.size(); ++k) {
+            if (k == 8 || k == 13 || k == 18 || k == 23)
+                EXPECT_EQ(id[k], '-');
+            else
+                EXPECT_TRUE(isxdigit(static_cast<unsigned char>(id[k])) &&
+                            !isupper(static_cast<unsigned char>(id[k])))
+                    << id;
+        }
+        seen.insert(id);
+    }
+    EXPECT_EQ(seen.size(), 100u);
+}
