@@ -1,0 +1,37 @@
+#include "sensorcontrol/bridge/Device.h"
+
+#include <cstdint>
+
+#include "devices/pallast.h"
+#include "sensorcontrol/device/SensorCache.h"
+#include "share/error_check.h"
+
+namespace tovel {
+namespace bridge {
+
+void* GetMDHandle(BridgeData const& data, std::string* uri, std::string const& resource) {
+    std::string id;
+    if (data.parameters.isObject() && data.parameters.contains("id")) {
+        quilljson::Value const& value = data.parameters["id"];
+        if (value.isString()) id = value.stringRef();
+    }
+
+    // Built before any check, so that a refused request is logged with it.
+    *uri += "Sensors/" + id;
+    if (!resource.empty()) *uri += "/" + resource;
+
+    if (id.empty()) throw BadRequest("URI is invalid.");
+    void* handle = device::SensorCache::Instance().handle(id);
+    if (handle == nullptr) throw BridgeResultError(404, "Error", "Not found.");
+    return handle;
+}
+
+void* GetHIDHandle(void* device) {
+    void* hid = MDGetHIDHandle(device);
+    BridgeCheckDvError(MakeDvError(hid != nullptr ? 0 : static_cast<int32_t>(0x80000000u)),
+                       "Get HID handle.");
+    return hid;
+}
+
+} // namespace bridge
+} // namespace tovel
