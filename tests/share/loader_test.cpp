@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "share/lib/libcorvaneLoader.h"
+#include "share/lib/libdvcLoader.h"
+#include "share/lib/libpallastLoader.h"
+#include "share/lib/libquorSensorLoader.h"
+#include "share/lib/torvikLoader.h"
+#include "support.h"
+
+namespace {
+
+std::string MakeTempDir() {
+    char pattern[] = "/tmp/loader_test.XXXXXX";
+    char* dir = mkdtemp(pattern);
+    return dir != nullptr ? dir : "";
+}
+
+// What a call through the loader answers, as "status name message".
+template <typename Loader> std::string Miss() {
+    try {
+        Loader::loader().template execThrows<int>("MDSomethingMissing", 1);
+        return "no error";
+    } catch (BridgeResultError const& e) {
+        return std::to_string(e.status) + " " + e.error.name + " " + e.error.message;
+    }
+}
+
+class Plain : public tovel::Bridge {
+public:
+    BridgeResult Get(BridgeData const&) override { return BridgeResultOK(quilljson::Value("fine")); }
+};
+
+} // namespace
+
+TEST(Loaders, MissingLibrariesAnswer404WithTheirMessage) {
+    EXPECT_ISOLATED([] {
+        std::string const exports = MakeTempDir();
+        std::string const logFile = exports + ".log";
+        setenv("HALVERN_EXPORTS_PATH", exports.c_str(), 1);
+        setenv("LORVANT_LOG_FILE", logFile.c_str(), 1);
+
+        std::string failures;
+        failures += Mismatch(
+            "libquorSensor",
+            std::string("404 FunctionNotFoundError libquorSensor does not have a requested function."),
+            Miss<tovel::libquorSensorLoader>());
+        failures += Mismatch(
+            "torvik", std::string("404 FunctionNotFoundError torvik does not have a requested function."),
+            Miss<tovel::torvikLoader>());
+        failures += Mismatch(
+            "libdvc", std::string("404 FunctionNotFoundError libdvc does not have a requested function."),
+            Miss<tovel::libdvcLoader>());
+        failures +=
+            Mismatch("libpallast",
+                     std::string("404 FunctionNotFoundError libpallast does not have a requested function."),
+                     Miss<tovel::libpallastLoader>());
+        failures +=
+            Mismatch("libcorvane",
+                     std::string("404 FunctionNotFoundError libcorvane does not have a requested function."),
+                     Miss<tovel::libcorvaneLoader>());
+        failures += Mismatch("loader open", false, tovel::torvikLoader::loader().isOpen());
+
+        // Without the logging library a request behaves the same and nothing is logged.
+        Plain endpoint;
+        Fetched const f = Request(endpoint, "");
+        failures += Mismatch("status", 200u, f.status);
+        failures += Mismatch("text", std::string(R"({"error":null,"value":"fine"})"), f.text);
+        std::ifstream log(logFile);
+        failures += Mismatch("log file exists", false, log.good());
+        rmdir(exports.c_str());
+        return failures;
+    });
+}
+
+TEST(Loaders, OpenTheLibraryFromTheExportsDirectory) {
+    EXPECT_ISOLATED([] {
+        setenv("HALVERN_EXPORTS_PATH", TEST_LIBRARY_DIR, 1);
+        tovel::libpallastLoader& loader = tovel::libpallastLoader::loader();
+        std::string failures = Mismatch("open", true, loader.isOpen());
+        failures += Mismatch("path", std::string(TEST_LIBRARY_DIR "/libpallast" SENSORCONTROL_LIBRARY_SUFFIX),
+                             loader.path().string());
+        failures += Mismatch("same instance", &loader, &tovel::libpallastLoader::loader());
+        return failures;
+    });
+}
