@@ -1,7 +1,10 @@
 #include "parser.h"
 
+#include "decimal_to_double.h"
+
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -40,9 +43,71 @@ enum Mode {
     kCheck,     // neither
 };
 
+struct Frame {
+    Value holder;   // owns a nested container until it is complete; null for the top level
+    void* data;     // its ObjectType or ArrayType (target modes)
+    uint64_t count; // members or elements read
+    size_t base;    // arrays: where their elements start in elements_
+    bool isObject;
+};
+
+// The buffers of a parse, kept per thread so that a parse reuses the capacity
+// of the previous one (growing them anew each time costs more than the parse
+// of a small text, and their large blocks make malloc consolidate its free
+// lists). A parse started from a handler while one runs gets its own.
+struct Workspace {
+    std::string scratch;           // decoded text of a string with escapes
+    std::vector<Frame> stack;      // open containers
+    std::vector<std::string> keys; // keys of the open nested members (target modes)
+    std::vector<Value> elements;   // elements of the open arrays (target modes)
+    bool busy = false;
+
+    // Empties the buffers; big ones (after a deep or huge text) are freed.
+    void reset() {
+        stack.clear();
+        keys.clear();
+        elements.clear();
+        if (stack.capacity() > 4096) std::vector<Frame>().swap(stack);
+        if (keys.capacity() > 4096) std::vector<std::string>().swap(keys);
+        if (elements.capacity() > 65536) std::vector<Value>().swap(elements);
+        if (scratch.capacity() > 65536) std::string().swap(scratch);
+        busy = false;
+    }
+};
+
+thread_local Workspace t_workspace;
+
 inline bool isDigit(char c) {
     return static_cast<unsigned char>(c - '0') < 10;
 }
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#define QUILLJSON_SWAR_DIGITS 1
+// Digit runs are read eight bytes at a time, which breaks the multiply-add
+// chain of a digit loop (it dominates long fractions).
+
+// The number of leading ASCII digits (0-8) of the eight bytes at p.
+inline int leadingDigits(uint64_t x) {
+    uint64_t const other =
+        ((x & 0xF0F0F0F0F0F0F0F0) | (((x + 0x0606060606060606) & 0xF0F0F0F0F0F0F0F0) >> 4)) ^
+        0x3333333333333333;
+    return other == 0 ? 8 : __builtin_ctzll(other) / 8;
+}
+
+// The value of the first n (1-8) digits of x.
+inline uint64_t digitsValue(uint64_t x, int n) {
+    if (n < 8) // keep n digits, as the last ones behind leading '0's
+        x = (x << (8 * (8 - n))) | (0x3030303030303030ULL >> (8 * n));
+    x -= 0x3030303030303030;
+    x = x * 10 + (x >> 8); // pairs
+    x = (((x & 0x000000FF000000FF) * (100 + (1000000ULL << 32))) +
+         (((x >> 16) & 0x000000FF000000FF) * (1 + (10000ULL << 32)))) >>
+        32;
+    return x;
+}
+#endif
+
+constexpr uint64_t kPow10Int[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+
 inline bool isSpace(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
@@ -88,16 +153,11 @@ template <int kMode> class Parser::Run {
     using ArrayBox = Value::Container<Value::ArrayType>;
     using StringBox = Value::Container<std::string>;
 
-    struct Frame {
-        Value holder;   // owns a nested container until it is complete; null for the top level
-        void* data;     // its ObjectType or ArrayType (target modes)
-        uint64_t count; // members or elements read
-        bool isObject;
-    };
-
 public:
-    Run(AbstractParseHandler* handler, char const* begin, char const* end, uint32_t flags, std::string& error)
-        : p_(begin), end_(end), handler_(handler), flags_(flags), error_(error) {}
+    Run(AbstractParseHandler* handler, char const* begin, char const* end, uint32_t flags, std::string& error,
+        Workspace& ws)
+        : p_(begin), end_(end), handler_(handler), flags_(flags), error_(error), scratch_(ws.scratch),
+          stack_(ws.stack), keys_(ws.keys), elements_(ws.elements) {}
 
     bool document(Value* out) {
         // A byte-order mark is skipped byte by byte, so a partial one goes too.
@@ -112,7 +172,10 @@ public:
         if (p_ == end_) return fail(kUnexpectedCharacter);
         if (*p_ == '{' || *p_ == '[') {
             if (!openRoot(out)) return false;
-            if (!nested()) return false;
+            if (!nested()) {
+                if (kTarget && !stack_.front().isObject) keepRootElements();
+                return false;
+            }
         } else if (!scalar(out)) {
             return false;
         }
@@ -131,7 +194,27 @@ private:
     }
     bool cancelled() { return fail(kCancelled); }
 
+    // Compact text has no whitespace between tokens, indented text has runs
+    // of it (about two thirds of a typical pretty file): return at once on a
+    // non-space, else skip 16 bytes per step.
     void skipSpace() {
+        if (p_ == end_ || !isSpace(*p_)) return;
+        ++p_;
+#if defined(__SSE2__)
+        while (end_ - p_ >= 16) {
+            __m128i const chunk = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p_));
+            __m128i const space = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(chunk, _mm_set1_epi8(' ')),
+                                                            _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\n'))),
+                                               _mm_or_si128(_mm_cmpeq_epi8(chunk, _mm_set1_epi8('\r')),
+                                                            _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\t'))));
+            unsigned const other = ~static_cast<unsigned>(_mm_movemask_epi8(space)) & 0xFFFFu;
+            if (other != 0) {
+                p_ += __builtin_ctz(other);
+                return;
+            }
+            p_ += 16;
+        }
+#endif
         while (p_ != end_ && isSpace(*p_))
             ++p_;
     }
@@ -143,7 +226,7 @@ private:
     // Value::insert); an array target is made private and appended to.
     bool openRoot(Value* out) {
         bool const isObject = *p_ == '{';
-        Frame f{Value(), nullptr, 0, isObject};
+        Frame f{Value(), nullptr, 0, elements_.size(), isObject};
         if (kTarget) {
             if (isObject) {
                 if (out->type_ != Value::Object) {
@@ -172,7 +255,7 @@ private:
     // A nested container: a fresh one in the new frame's holder.
     bool openNested() {
         bool const isObject = *p_ == '{';
-        Frame f{Value(), nullptr, 0, isObject};
+        Frame f{Value(), nullptr, 0, elements_.size(), isObject};
         if (kTarget) {
             if (isObject) {
                 auto* box = new ObjectBox();
@@ -195,6 +278,33 @@ private:
         if (kAllEvents && !(isObject ? handler_->onObjectBegin() : handler_->onArrayBegin()))
             return cancelled();
         return true;
+    }
+
+    // Array elements are staged on one stack shared by all open arrays and
+    // moved into their array, allocated once at its final size, when it is
+    // complete: no regrowing while reading.
+    void moveElements(Frame& f) {
+        auto& vec = *static_cast<Value::ArrayType*>(f.data);
+        auto const first = elements_.begin() + static_cast<std::ptrdiff_t>(f.base);
+        if (vec.empty()) {
+            vec.assign(std::make_move_iterator(first), std::make_move_iterator(elements_.end()));
+        } else {
+            vec.reserve(vec.size() + (elements_.size() - f.base));
+            vec.insert(vec.end(), std::make_move_iterator(first), std::make_move_iterator(elements_.end()));
+        }
+        elements_.erase(first, elements_.end());
+    }
+
+    // After a failure the top-level array keeps the elements read before it.
+    void keepRootElements() {
+        size_t end = elements_.size();
+        for (size_t i = 1; i < stack_.size(); ++i)
+            if (!stack_[i].isObject) {
+                end = stack_[i].base;
+                break;
+            }
+        elements_.resize(end); // drops the elements of unfinished nested arrays
+        moveElements(stack_.front());
     }
 
     // Members of the first-inserted key win: an existing key is left alone.
@@ -267,10 +377,9 @@ private:
                 }
                 if (kTarget) {
                     // Parsed in place; dropped again when it fails.
-                    auto& vec = *static_cast<Value::ArrayType*>(f->data);
-                    vec.emplace_back();
-                    if (!scalar(&vec.back())) {
-                        vec.pop_back();
+                    elements_.emplace_back();
+                    if (!scalar(&elements_.back())) {
+                        elements_.pop_back();
                         return false;
                     }
                 } else if (!scalar(nullptr)) {
@@ -295,6 +404,7 @@ private:
             ++p_;
 
         complete: // the innermost frame is complete: hand it to its parent
+            if (kTarget && !stack_.back().isObject) moveElements(stack_.back());
             if (stack_.size() == 1) {
                 stack_.pop_back();
                 return true;
@@ -308,7 +418,7 @@ private:
                         insertMember(*f, std::move(keys_.back()), std::move(child));
                         keys_.pop_back();
                     } else {
-                        static_cast<Value::ArrayType*>(f->data)->push_back(std::move(child));
+                        elements_.push_back(std::move(child));
                     }
                 }
             }
@@ -502,8 +612,9 @@ private:
         return true;
     }
 
-    // Integers are accumulated while scanning; everything else is converted
-    // from the number's text.
+    // One pass over the number: the integer value (with the overflow rule
+    // below) and, for a real, up to 19 significant digits and their decimal
+    // exponent, converted without reading the text again.
     bool number(Value* target) {
         char const* const start = p_;
         bool const negative = *p_ == '-';
@@ -511,45 +622,95 @@ private:
         if (p_ == end_ || !isDigit(*p_)) return fail(kNoDigit);
         uint64_t magnitude = 0;
         bool overflow = false;
+        char const* const digits = p_;
         if (*p_ == '0') {
             ++p_;
             if (p_ != end_ && isDigit(*p_)) return fail(kLeadingZero);
         } else {
-            do {
-                unsigned const digit = static_cast<unsigned>(*p_ - '0');
-                // Below the bound the digit is multiplied in. At or above it only
-                // a digit above 7 counts as overflow; the others still multiply
-                // in, so a magnitude past the bound wraps (the test is signed).
-                if (static_cast<int64_t>(magnitude) < 0x0CCCCCCCCCCCCCCCLL || digit <= 7) {
-                    magnitude = magnitude * 10 + digit;
-                } else {
-                    overflow = true;
-                    do
-                        ++p_;
-                    while (p_ != end_ && isDigit(*p_));
-                    break;
-                }
-                ++p_;
-            } while (p_ != end_ && isDigit(*p_));
+#if QUILLJSON_SWAR_DIGITS
+            // Sixteen digits stay far below the overflow bound.
+            while (end_ - p_ >= 8 && p_ - digits <= 8) {
+                uint64_t x;
+                std::memcpy(&x, p_, 8);
+                int const n = leadingDigits(x);
+                if (n == 0) break;
+                magnitude = magnitude * kPow10Int[n] + digitsValue(x, n);
+                p_ += n;
+                if (n < 8) break;
+            }
+#endif
+            if (p_ != end_ && isDigit(*p_)) do {
+                    unsigned const digit = static_cast<unsigned>(*p_ - '0');
+                    // Below the bound the digit is multiplied in. At or above it only
+                    // a digit above 7 counts as overflow; the others still multiply
+                    // in, so a magnitude past the bound wraps (the test is signed).
+                    if (static_cast<int64_t>(magnitude) < 0x0CCCCCCCCCCCCCCCLL || digit <= 7) {
+                        magnitude = magnitude * 10 + digit;
+                    } else {
+                        overflow = true;
+                        do
+                            ++p_;
+                        while (p_ != end_ && isDigit(*p_));
+                        break;
+                    }
+                    ++p_;
+                } while (p_ != end_ && isDigit(*p_));
         }
+
+        // Up to 19 digits without overflow, the magnitude is exact (unsigned).
+        uint64_t significand = magnitude;
+        int significant = magnitude == 0 ? 0 : static_cast<int>(p_ - digits);
+        bool exact = !overflow && p_ - digits <= 19;
+        int64_t exponent10 = 0;
         bool fraction = false;
         if (p_ != end_ && *p_ == '.') {
             ++p_;
             if (p_ == end_ || !isDigit(*p_)) return fail(kNoFraction);
-            do
-                ++p_;
-            while (p_ != end_ && isDigit(*p_));
             fraction = true;
+            while (significand == 0 && *p_ == '0') { // leading zeros only move the point
+                --exponent10;
+                if (++p_ == end_ || !isDigit(*p_)) break;
+            }
+#if QUILLJSON_SWAR_DIGITS
+            while (end_ - p_ >= 8) {
+                uint64_t x;
+                std::memcpy(&x, p_, 8);
+                int const n = leadingDigits(x);
+                if (n == 0 || significant + n > 19) break;
+                significand = significand * kPow10Int[n] + digitsValue(x, n);
+                significant += n;
+                exponent10 -= n;
+                p_ += n;
+                if (n < 8) break;
+            }
+#endif
+            if (p_ != end_ && isDigit(*p_)) do {
+                    unsigned const digit = static_cast<unsigned>(*p_ - '0');
+                    if (significand == 0 && digit == 0) { // leading zeros only move the point
+                        --exponent10;
+                    } else if (significant < 19) {
+                        significand = significand * 10 + digit;
+                        ++significant;
+                        --exponent10;
+                    } else {
+                        exact = false;
+                    }
+                } while (++p_ != end_ && isDigit(*p_));
         }
         char const* exponentAt = nullptr;
         bool exponentNonZero = false;
         if (p_ != end_ && (*p_ == 'e' || *p_ == 'E')) {
             exponentAt = p_++;
-            if (p_ != end_ && (*p_ == '-' || *p_ == '+')) ++p_;
+            bool exponentNegative = false;
+            if (p_ != end_ && (*p_ == '-' || *p_ == '+')) exponentNegative = *p_++ == '-';
             if (p_ == end_ || !isDigit(*p_)) return fail(kNoExponent);
-            do
-                exponentNonZero |= *p_ != '0';
-            while (++p_ != end_ && isDigit(*p_));
+            int64_t e = 0;
+            do {
+                unsigned const digit = static_cast<unsigned>(*p_ - '0');
+                exponentNonZero |= digit != 0;
+                if (e < 1000000) e = e * 10 + digit; // far beyond any double: saturates
+            } while (++p_ != end_ && isDigit(*p_));
+            exponent10 += exponentNegative ? -e : e;
         }
 
         if (!overflow && !fraction && !exponentNonZero) { // "1e0" and "-0" are integers too
@@ -564,10 +725,15 @@ private:
             return true;
         }
 
-        // A zero exponent is cut off before converting.
-        char const* const textEnd = exponentAt && !exponentNonZero ? exponentAt : p_;
         double d;
-        if (!toDouble(start, textEnd, d)) return fail(kBadReal);
+        if (exact && significand == 0) {
+            d = negative ? -0.0 : 0.0;
+        } else if (!exact || !detail::decimalToDouble(significand, exponent10, negative, d)) {
+            // Many digits, or a result out of range: convert the text (a zero
+            // exponent is cut off first).
+            char const* const textEnd = exponentAt && !exponentNonZero ? exponentAt : p_;
+            if (!toDouble(start, textEnd, d)) return fail(kBadReal);
+        }
         if (kTarget) {
             target->release();
             target->type_ = Value::Float;
@@ -601,9 +767,10 @@ private:
     AbstractParseHandler* const handler_;
     uint32_t const flags_;
     std::string& error_;
-    std::string scratch_;
-    std::vector<Frame> stack_;
-    std::vector<std::string> keys_; // keys of the open nested members (target modes)
+    std::string& scratch_;
+    std::vector<Frame>& stack_;
+    std::vector<std::string>& keys_;
+    std::vector<Value>& elements_;
 };
 
 bool Parser::parse(Value* out, AbstractParseHandler* handler, char const* begin, char const* end,
@@ -611,15 +778,19 @@ bool Parser::parse(Value* out, AbstractParseHandler* handler, char const* begin,
     error_.clear();
     if (!begin) end = begin;
     uint32_t const flags = option.flags & 0xFF;
+    Workspace own;
+    Workspace* ws = t_workspace.busy ? &own : &t_workspace;
+    ws->busy = true;
     bool ok;
     if (out && handler)
-        ok = Run<kBuildKeys>(handler, begin, end, flags, error_).document(out);
+        ok = Run<kBuildKeys>(handler, begin, end, flags, error_, *ws).document(out);
     else if (out)
-        ok = Run<kBuild>(handler, begin, end, flags, error_).document(out);
+        ok = Run<kBuild>(handler, begin, end, flags, error_, *ws).document(out);
     else if (handler)
-        ok = Run<kEvents>(handler, begin, end, flags, error_).document(nullptr);
+        ok = Run<kEvents>(handler, begin, end, flags, error_, *ws).document(nullptr);
     else
-        ok = Run<kCheck>(handler, begin, end, flags, error_).document(nullptr);
+        ok = Run<kCheck>(handler, begin, end, flags, error_, *ws).document(nullptr);
+    ws->reset();
     if (error) *error = error_;
     return ok;
 }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <random>
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -251,4 +253,50 @@ TEST(Parser, HandlerModes) {
     Parser parser;
     EXPECT_FALSE(parser.parse(&partial, &cancelKey, text.data(), text.data() + text.size()));
     EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
+}
+
+// Reals must come out exactly as strtod reads the same text, whatever digits
+// and exponent they have (the parser converts most without strtod).
+TEST(Parser, RealsMatchStrtod) {
+    std::mt19937_64 rng(2024);
+    auto check = [](std::string const& text) {
+        Value v;
+        ASSERT_TRUE(Parser().parse(&v, text)) << text;
+        if (v.isInteger()) return;
+        double const expected = std::strtod(text.c_str(), nullptr);
+        double const got = v.getDouble();
+        ASSERT_EQ(std::memcmp(&got, &expected, sizeof got), 0) << text << " " << got << " " << expected;
+    };
+    char buf[64];
+    for (int i = 0; i < 200000; ++i) {
+        uint64_t bits = rng();
+        double d;
+        std::memcpy(&d, &bits, sizeof d);
+        if (!std::isfinite(d)) continue;
+        std::snprintf(buf, sizeof buf, "%.*e", static_cast<int>(rng() % 20), d);
+        check(buf);
+        std::snprintf(buf, sizeof buf, "%.17g", d / 1e300 * (rng() % 2 ? 1e300 : 1e-20));
+        check(buf);
+        // Random digit strings, long ones included.
+        std::string text = rng() % 2 ? "-" : "";
+        int const intDigits = 1 + static_cast<int>(rng() % 22);
+        text += static_cast<char>('1' + rng() % 9);
+        for (int k = 1; k < intDigits; ++k)
+            text += static_cast<char>('0' + rng() % 10);
+        if (rng() % 4) {
+            text += '.';
+            int const zeros = rng() % 3 ? 0 : static_cast<int>(rng() % 30);
+            text.append(static_cast<size_t>(zeros), '0');
+            for (int k = 1 + static_cast<int>(rng() % 25); k > 0; --k)
+                text += static_cast<char>('0' + rng() % 10);
+        }
+        if (rng() % 2) text += "e" + std::to_string(static_cast<int>(rng() % 700) - 350);
+        check(text);
+    }
+    for (char const* text : {"2.2250738585072011e-308", "2.2250738585072012e-308", "4.9406564584124654e-324",
+                             "2.4703282292062327e-324", "2.4703282292062328e-324", "1.7976931348623157e308",
+                             "1.7976931348623158e308", "9007199254740993.0", "9007199254740992.5",
+                             "0.000000000000000000000000000000000001", "1e23", "8.98846567431158e307",
+                             "179769313486231580793728971405301e276"})
+        check(text);
 }
