@@ -160,12 +160,16 @@ uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char 
         return endpoint(request, parameters, query, data);
     } catch (...) {
     }
+    return AnswerUnknownError();
+}
+
+uint32_t AnswerUnknownError() noexcept {
     uint32_t id = 0;
     try {
         id = BridgeHelperCreatePromiseID();
         BridgeHelperSetResponse(id, 500, kUnknownErrorResponse);
     } catch (...) {
-        // Out of memory even for the fallback: the id stays unanswered (its fetch gives 500).
+        // Out of memory even for this: the id stays unanswered (its fetch gives 500).
     }
     return id;
 }

@@ -25,7 +25,8 @@ public:
     uint32_t operator()(char const* request, char const* parameters, char const* query, char const* data);
 
     // Parses the texts, dispatches by method, guards the method call.
-    virtual BridgeResult execute(char const* request, char const* parameters, char const* query, char const* data);
+    virtual BridgeResult execute(char const* request, char const* parameters, char const* query,
+                                 char const* data);
     virtual void onBeginBridge(BridgeData const& data);
     virtual void onEndBridge(BridgeData const& data, BridgeResult const& result);
     // Defaults answer 405 "MethodError".
@@ -64,12 +65,20 @@ void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string 
 extern "C" uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length);
 
 namespace tovel {
-uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char const* parameters, char const* query,
-                            char const* data);
+// Runs the endpoint; anything that escapes it is answered with 500
+// "UnknownError" under a fresh id.
+uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char const* parameters,
+                            char const* query, char const* data);
+// Stores the 500 "UnknownError" response under a fresh id and returns the id.
+uint32_t AnswerUnknownError() noexcept;
 
 template <typename Endpoint>
 uint32_t RunEndpoint(char const* request, char const* parameters, char const* query, char const* data) {
-    Endpoint endpoint;
-    return RunEndpointGuarded(endpoint, request, parameters, query, data);
+    try {
+        Endpoint endpoint;
+        return RunEndpointGuarded(endpoint, request, parameters, query, data);
+    } catch (...) { // the endpoint's construction
+        return AnswerUnknownError();
+    }
 }
 } // namespace tovel
