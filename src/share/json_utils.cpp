@@ -169,63 +169,20 @@ int64_t JsonToInt64Truncating(Value const& value) {
 // ---- measured colours ----
 
 Value ToJson(colour const& c, std::string const& components) {
+    struct Component {
+        char letter;
+        double colour::*member;
+    };
+    static Component const kComponents[] = {
+        {'X', &colour::X}, {'Y', &colour::Y}, {'Z', &colour::Z}, {'x', &colour::x},
+        {'y', &colour::y}, {'L', &colour::L}, {'a', &colour::a}, {'b', &colour::b},
+        {'C', &colour::C}, {'h', &colour::h}, {'T', &colour::T}, {'R', &colour::R},
+        {'G', &colour::G}, {'B', &colour::B}, {'M', &colour::M}, {'K', &colour::K},
+    };
     Value json = Value::object();
-    for (char const letter : components) {
-        double const* member = nullptr;
-        switch (letter) {
-        case 'X':
-            member = &c.X;
-            break;
-        case 'Y':
-            member = &c.Y;
-            break;
-        case 'Z':
-            member = &c.Z;
-            break;
-        case 'x':
-            member = &c.x;
-            break;
-        case 'y':
-            member = &c.y;
-            break;
-        case 'L':
-            member = &c.L;
-            break;
-        case 'a':
-            member = &c.a;
-            break;
-        case 'b':
-            member = &c.b;
-            break;
-        case 'C':
-            member = &c.C;
-            break;
-        case 'h':
-            member = &c.h;
-            break;
-        case 'T':
-            member = &c.T;
-            break;
-        case 'R':
-            member = &c.R;
-            break;
-        case 'G':
-            member = &c.G;
-            break;
-        case 'B':
-            member = &c.B;
-            break;
-        case 'M':
-            member = &c.M;
-            break;
-        case 'K':
-            member = &c.K;
-            break;
-        default:
-            break;
-        }
-        if (member != nullptr) json[std::string(1, letter)] = *member;
-    }
+    for (char const letter : components)
+        for (Component const& component : kComponents)
+            if (component.letter == letter) json[std::string(1, letter)] = c.*component.member;
     return json;
 }
 
