@@ -1,1 +1,225 @@
-// Filled in by its owner; present so the project configures.
+// The state on first use, and the Call through which the stand-ins reach it.
+#include "world/world.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "quilljson/parser.h"
+#include "world/record_json.h"
+#include "world/state.h"
+
+namespace sim {
+
+using quilljson::Value;
+
+namespace {
+
+World loadInitialWorld() {
+    World world;
+    std::string error;
+    Value json;
+    if (char const* path = std::getenv("SENSORSIM_SCENARIO")) {
+        std::ifstream file(path);
+        std::stringstream text;
+        text << file.rdbuf();
+        if (!file.good() && !file.eof())
+            error = "cannot read the file";
+        else if (!quilljson::Parser().parse(&json, text.str(), quilljson::ParseOption(), &error))
+            error = "not JSON: " + error;
+        else if (readScenario(json, &world, &error))
+            return world;
+        std::fprintf(stderr, "sensorsim: scenario %s not loaded (%s); using the default world\n", path,
+                     error.c_str());
+        world = World();
+    }
+    if (!quilljson::Parser().parse(&json, defaultScenarioText()) || !readScenario(json, &world, &error))
+        std::fprintf(stderr, "sensorsim: the built-in default world is broken (%s)\n", error.c_str());
+    return world;
+}
+
+} // namespace
+
+State& state() {
+    static State* const instance = [] {
+        auto* s = new State(); // never destroyed: stand-ins may call in during process exit
+        s->world = loadInitialWorld();
+        return s;
+    }();
+    return *instance;
+}
+
+char const* pageName(Page page) {
+    switch (page) {
+    case Page::Current:
+        return "current";
+    case Page::Factory:
+        return "factory";
+    case Page::CurrentPriority:
+        return "currentPriority";
+    case Page::FactoryPriority:
+        return "factoryPriority";
+    }
+    return "current";
+}
+
+bool pageFromName(std::string const& name, Page* page) {
+    for (Page p : {Page::Current, Page::Factory, Page::CurrentPriority, Page::FactoryPriority})
+        if (name == pageName(p)) {
+            *page = p;
+            return true;
+        }
+    return false;
+}
+
+void copyText(char* destination, size_t size, std::string const& text) {
+    if (destination == nullptr || size == 0) return;
+    size_t const n = text.size() < size - 1 ? text.size() : size - 1;
+    std::memcpy(destination, text.data(), n);
+    destination[n] = '\0';
+}
+
+std::string fieldText(char const* field, size_t size) {
+    return field == nullptr ? std::string() : std::string(field, strnlen(field, size));
+}
+
+struct Call::Impl {
+    State& state;
+    std::unique_lock<std::recursive_mutex> lock;
+    std::string function;
+    Value args = Value::array();
+    explicit Impl(char const* name) : state(sim::state()), lock(state.mutex), function(name) {}
+};
+
+Call::Call(char const* function) : impl_(new Impl(function)) {}
+
+Call::~Call() {
+    Value entry = Value::object();
+    entry["function"] = impl_->function;
+    entry["args"] = impl_->args;
+    auto& journal = impl_->state.journal;
+    journal.push_back(entry);
+    while (journal.size() > State::kJournalLimit)
+        journal.pop_front();
+    delete impl_;
+}
+
+Call& Call::num(int64_t value) {
+    impl_->args.append(Value(static_cast<long>(value)));
+    return *this;
+}
+Call& Call::unum(uint64_t value) {
+    impl_->args.append(Value(static_cast<unsigned long>(value)));
+    return *this;
+}
+Call& Call::real(double value) {
+    impl_->args.append(Value(value));
+    return *this;
+}
+Call& Call::reals(double const* values, size_t count) {
+    impl_->args.append(values == nullptr ? Value() : toJson(values, count));
+    return *this;
+}
+Call& Call::text(char const* value) {
+    impl_->args.append(value == nullptr ? Value() : Value(value));
+    return *this;
+}
+Call& Call::handle(void const* value) {
+    impl_->args.append(Value(static_cast<unsigned long>(reinterpret_cast<uintptr_t>(value))));
+    return *this;
+}
+Call& Call::null() {
+    impl_->args.append(Value());
+    return *this;
+}
+
+#define SIM_RECORD_ARG(Type)                                                                                 \
+    Call& Call::record(Type const& value) {                                                                  \
+        impl_->args.append(toJson(value));                                                                   \
+        return *this;                                                                                        \
+    }
+SIM_RECORD_ARG(colour)
+SIM_RECORD_ARG(CSSG2_Date)
+SIM_RECORD_ARG(MDParameterDescription)
+SIM_RECORD_ARG(R2XC_RefParam)
+SIM_RECORD_ARG(R2XC_RefToneParam)
+SIM_RECORD_ARG(R2XC_ValueRGBK)
+SIM_RECORD_ARG(R2XC_ToneCorrectionParam)
+SIM_RECORD_ARG(KMCAL_CALDATA_USERPROOF)
+SIM_RECORD_ARG(KMCAL_MEASDATA_USERPROOF)
+SIM_RECORD_ARG(KMCAL_CALDATA_CORRECT)
+SIM_RECORD_ARG(KMCAL_MEASDATA_CORRECT_GRAY)
+SIM_RECORD_ARG(MDIFSv3CorrelationData)
+SIM_RECORD_ARG(MDCSSG2CorrelationDataEx)
+#undef SIM_RECORD_ARG
+
+bool Call::injected(DvError* out) const {
+    auto const found = impl_->state.injections.find(impl_->function);
+    if (found == impl_->state.injections.end()) return false;
+    if (out != nullptr) *out = DvError{found->second};
+    return true;
+}
+
+World& Call::world() {
+    return impl_->state.world;
+}
+
+void* Call::open(Device const& device) {
+    State& s = impl_->state;
+    uintptr_t const value = s.nextHandle += 0x10;
+    s.handles[value] = OpenSensor{false, device.deviceID, device.individualID, 0};
+    return reinterpret_cast<void*>(value);
+}
+
+void* Call::openBuiltin(Monitor const& monitor) {
+    State& s = impl_->state;
+    uintptr_t const value = s.nextHandle += 0x10;
+    s.handles[value] = OpenSensor{true, monitor.sensor.deviceID, 0, monitor.hidHandle};
+    return reinterpret_cast<void*>(value);
+}
+
+bool Call::close(void* handle) {
+    return impl_->state.handles.erase(reinterpret_cast<uintptr_t>(handle)) != 0;
+}
+
+Device* Call::device(void* handle) {
+    auto const found = impl_->state.handles.find(reinterpret_cast<uintptr_t>(handle));
+    if (found == impl_->state.handles.end()) return nullptr;
+    OpenSensor const& open = found->second;
+    if (open.builtin) {
+        Monitor* monitor = monitorByHid(hidPointer(open.hidHandle));
+        return monitor != nullptr ? &monitor->sensor : nullptr;
+    }
+    for (Device& d : world().devices)
+        if (d.deviceID == open.deviceID && d.individualID == open.individualID) return &d;
+    return nullptr;
+}
+
+Monitor* Call::monitorOfSensor(void* handle) {
+    auto const found = impl_->state.handles.find(reinterpret_cast<uintptr_t>(handle));
+    if (found == impl_->state.handles.end() || !found->second.builtin) return nullptr;
+    return monitorByHid(hidPointer(found->second.hidHandle));
+}
+
+Monitor* Call::monitorByHid(void* hid) {
+    if (hid == nullptr) return nullptr;
+    for (Monitor& m : world().monitors)
+        if (hidPointer(m.hidHandle) == hid) return &m;
+    return nullptr;
+}
+
+Monitor* Call::monitorByNames(char const* first, char const* second) {
+    if (first == nullptr || second == nullptr) return nullptr;
+    for (Monitor& m : world().monitors)
+        if ((m.product == first && m.serial == second) || (m.product == second && m.serial == first))
+            return &m;
+    return nullptr;
+}
+
+char const* Call::intern(std::string const& text) {
+    return impl_->state.interned.insert(text).first->c_str();
+}
+
+} // namespace sim

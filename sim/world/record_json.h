@@ -1,0 +1,33 @@
+// JSON forms of the device records, in the wire form the product uses for
+// correlation data (the same key names and nesting), so scenarios and the
+// journal read like the product's own requests. Readers are lenient: a missing
+// member reads as zero.
+#pragma once
+
+#include "devices/records.h"
+#include "quilljson/value.h"
+
+namespace sim {
+
+quilljson::Value toJson(colour const& value);
+quilljson::Value toJson(CSSG2_Date const& value);
+quilljson::Value toJson(MDParameterDescription const& value);
+quilljson::Value toJson(R2XC_RefParam const& value);
+quilljson::Value toJson(R2XC_RefToneParam const& value);
+quilljson::Value toJson(R2XC_ValueRGBK const& value);
+quilljson::Value toJson(R2XC_ToneCorrectionParam const& value);
+quilljson::Value toJson(KMCAL_CALDATA_USERPROOF const& value);
+quilljson::Value toJson(KMCAL_MEASDATA_USERPROOF const& value);
+quilljson::Value toJson(KMCAL_CALDATA_CORRECT const& value);
+quilljson::Value toJson(KMCAL_MEASDATA_CORRECT_GRAY const& value);
+quilljson::Value toJson(MDCSSG2CalibrationData const& value);
+quilljson::Value toJson(MDCSSG2CorrectionData const& value);
+quilljson::Value toJson(MDIFSv3CorrelationData const& value);
+quilljson::Value toJson(MDCSSG2CorrelationDataEx const& value);
+quilljson::Value toJson(double const* values, size_t count);
+
+MDIFSv3CorrelationData ifsv3FromJson(quilljson::Value const& json);
+MDCSSG2CorrelationDataEx cssg2FromJson(quilljson::Value const& json);
+void realsFromJson(quilljson::Value const& json, double* out, size_t count);
+
+} // namespace sim

@@ -1,0 +1,49 @@
+// The process-wide state behind the world lock: the world itself and what
+// lives beside it across scenario loads (open handles, journal, injections).
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "quilljson/value.h"
+#include "world/model.h"
+
+namespace sim {
+
+// What an open handle stands for; resolved against the world on every call,
+// so a handle survives a scenario load as long as its sensor is still there.
+struct OpenSensor {
+    bool builtin = false;
+    uint32_t deviceID = 0;
+    uint64_t individualID = 0;
+    uint64_t hidHandle = 0;
+};
+
+struct State {
+    static constexpr size_t kJournalLimit = 10000;
+
+    std::recursive_mutex mutex;
+    World world;
+    std::map<uintptr_t, OpenSensor> handles;
+    uintptr_t nextHandle = 0x5E000000;
+    std::deque<quilljson::Value> journal; // the last kJournalLimit calls
+    std::map<std::string, int32_t> injections;
+    std::set<std::string> interned;
+};
+
+// The state, with its world loaded on first use (SENSORSIM_SCENARIO or the
+// built-in default world).
+State& state();
+
+// The built-in default world as scenario text (sim/scenarios/default.json).
+char const* defaultScenarioText();
+
+// Scenario conversion (scenario_read.cpp, scenario_write.cpp).
+bool readScenario(quilljson::Value const& json, World* world, std::string* error);
+quilljson::Value writeScenario(World const& world);
+
+} // namespace sim
