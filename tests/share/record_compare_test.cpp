@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "quilljson/parser.h"
+#include "quilljson/serializer.h"
+#include "share/json_utils.h"
+#include "share/record_compare.h"
+
+using quilljson::Value;
+using namespace tovel;
+
+namespace {
+
+Value Parse(std::string const& text) {
+    Value v;
+    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
+    return v;
+}
+
+template <typename T> void FillDoubles(T* record, double start) {
+    double* d = reinterpret_cast<double*>(record);
+    for (size_t i = 0; i < sizeof(T) / sizeof(double); ++i)
+        d[i] = start + 1.5 * static_cast<double>(i);
+}
+
+Value Add(Value const& v, double delta) {
+    return Value(v.asDouble() + delta);
+}
+
+struct Change {
+    char const* what;
+    std::function<void(Value&)> apply;
+    bool stillEqual;
+};
+
+void ExpectChanges(Value const& base, bool (*equals)(Value const&, Value const&),
+                   std::vector<Change> const& cases) {
+    EXPECT_TRUE(equals(base, base));
+    for (Change const& c : cases) {
+        Value changed = Parse(quilljson::Serializer::toText(base)); // a private deep copy
+        c.apply(changed);
+        EXPECT_EQ(equals(base, changed), c.stillEqual) << c.what;
+    }
+}
+
+} // namespace
+
+TEST(DoubleNearlyEquals, IsStrictAndReadsNumbersLeniently) {
+    EXPECT_TRUE(DoubleNearlyEquals(Value(1.0), Value(1.05), 0.1));
+    EXPECT_FALSE(DoubleNearlyEquals(Value(1.0), Value(1.1), 0.1));
+    EXPECT_FALSE(DoubleNearlyEquals(Value(0.5), Value(0.75), 0.25)); // difference equal to eps
+    EXPECT_FALSE(DoubleNearlyEquals(Value(NAN), Value(NAN), 1.0));
+    EXPECT_TRUE(DoubleNearlyEquals(Value("2.5"), Value(2), 0.6));
+    EXPECT_TRUE(DoubleNearlyEquals(Value(), Value(false), 1e-9)); // missing compares as 0.0
+}
+
+TEST(SignificantFigureEquals, RoundsToTheFirstValuesOrder) {
+    EXPECT_TRUE(SignificantFigureEquals(Value(123.4564), Value(123.4559), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(123.4564), Value(123.4554), 6));
+    // Below 1 the exponent is one less: 0.05 has order -2 and compares 500000-scale integers.
+    EXPECT_TRUE(SignificantFigureEquals(Value(0.0512345), Value(0.05123454), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(0.0512345), Value(0.05123456), 6));
+    // Large orders divide instead of multiply.
+    EXPECT_TRUE(SignificantFigureEquals(Value(12345678.0), Value(12345660.0), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(12345678.0), Value(12345760.0), 6));
+}
+
+TEST(SignificantFigureEquals, FirstValueWithoutOrderMatchesAnything) {
+    EXPECT_TRUE(SignificantFigureEquals(Value(0), Value(5e10), 6));
+    EXPECT_TRUE(SignificantFigureEquals(Value("abc"), Value(1), 6));
+    EXPECT_TRUE(SignificantFigureEquals(Value(), Value(-3), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(5e10), Value(0), 6));
+}
+
+TEST(SignificantFigureEquals, KeepsTheSmallOrderAndOffsetRules) {
+    // Order -4 compares with five figures, order -3 still with six.
+    EXPECT_TRUE(SignificantFigureEquals(Value(0.00012345), Value(0.000123454), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(0.00012345), Value(0.000123456), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(0.0012345), Value(0.00123454), 6));
+    // +0.5 for positive, -0.4 for negative scaled values.
+    EXPECT_TRUE(SignificantFigureEquals(Value(100000.5), Value(100000.6), 6));
+    EXPECT_FALSE(SignificantFigureEquals(Value(-100000.5), Value(-100000.6), 6));
+    EXPECT_TRUE(SignificantFigureEquals(Value(-100000.1), Value(-100000.5), 6));
+    // Only the low 32 bits of the scaled integers count.
+    EXPECT_TRUE(SignificantFigureEquals(Value(4294967297.0), Value(1.0), 10));
+}
+
+TEST(DoubleArrayEquals, NeedsEqualShapes) {
+    EXPECT_TRUE(DoubleArrayEquals(Parse("[1, [2, 3.00009]]"), Parse("[1.00005, [2, 3]]")));
+    EXPECT_FALSE(DoubleArrayEquals(Parse("[1, [2, 3.00011]]"), Parse("[1, [2, 3]]")));
+    EXPECT_FALSE(DoubleArrayEquals(Parse("[1, 2]"), Parse("[1, 2, 3]")));
+    EXPECT_FALSE(DoubleArrayEquals(Parse("[[1, 2]]"), Parse("[[1]]")));
+    EXPECT_FALSE(DoubleArrayEquals(Value(), Value()));
+    EXPECT_TRUE(DoubleArraySignificantFigureEquals(Parse("[[123.4564]]"), Parse("[[123.4559]]")));
+    EXPECT_FALSE(DoubleArraySignificantFigureEquals(Parse("[[123.4564]]"), Parse("[[123.4554]]")));
+}
+
+TEST(RecordEquals, SecondGenerationMembersUseTheirOwnRules) {
+    MDCSSG2CorrelationDataEx d = Zeroed<MDCSSG2CorrelationDataEx>();
+    d.calibrationData.criterionBrightness = 120.0;
+    d.calibrationData.criterionTemperature = 6500.0;
+    d.calibrationData.coefficientType = 2;
+    FillDoubles(&d.calibrationData.calibration, 1.25);
+    FillDoubles(&d.calibrationData.measurement, 10.25);
+    FillDoubles(&d.correctionData, 100.25);
+    d.correctionData.gamma = 2.2;
+    d.correctionData.threshold = 0.5;
+    d.luminanceLevelCorrection.brightness = 80.0;
+    d.luminanceLevelCorrection.dimmerOut = 300;
+    Value const base = ToJson(d);
+
+    auto at = [](Value& root, std::initializer_list<char const*> path) -> Value& {
+        Value* v = &root;
+        for (char const* key : path)
+            v = &(*v)[key];
+        return *v;
+    };
+    auto shift = [at](std::initializer_list<char const*> path, double delta) {
+        return [at, path, delta](Value& v) { at(v, path) = Add(at(v, path), delta); };
+    };
+    ExpectChanges(
+        base, MDCSSG2CorrelationDataExEquals,
+        {
+            {"brightness within 0.01", shift({"calibrationData", "criterion", "brightness"}, 0.009), true},
+            {"brightness beyond 0.01", shift({"calibrationData", "criterion", "brightness"}, 0.011), false},
+            {"temperature beyond 0.01", shift({"calibrationData", "criterion", "temperature"}, 0.02), false},
+            {"coefficient type exact", shift({"calibrationData", "coefficientType"}, 0.0), false},
+            {"calibration matrix b", [](Value& v) { v["calibrationData"]["calibration"]["b"][2][2] = 1.0; },
+             false},
+            {"measured white", shift({"calibrationData", "measurement", "XYZ", "white", "Z"}, 0.01), false},
+            {"reference black", shift({"calibrationData", "measurement", "reference", "black", "X"}, 0.01),
+             false},
+            {"gamma within 0.1", shift({"correctionData", "gamma"}, 0.09), true},
+            {"gamma beyond 0.1", shift({"correctionData", "gamma"}, 0.11), false},
+            {"threshold beyond 0.01", shift({"correctionData", "threshold"}, 0.011), false},
+            {"step",
+             [](Value& v) { v["correctionData"]["step"][8] = Add(v["correctionData"]["step"][8], 0.01); },
+             false},
+            {"ninth correction pair",
+             [](Value& v) { v["correctionData"]["correction"][8]["XYZ"]["Y"] = 1.0; }, false},
+            {"ninth gray RGB", [](Value& v) { v["correctionData"]["measurement"][8]["RGB"]["B"] = 1.0; },
+             false},
+            {"luminance brightness within 0.1", shift({"luminanceLevelCorrection", "brightness"}, 0.09),
+             true},
+            {"dimmer output exact", shift({"luminanceLevelCorrection", "dimmerOut"}, 1.0), false},
+        });
+}
+
+TEST(RecordEquals, FirstGenerationMembersUseTheirOwnRules) {
+    MDIFSv3CorrelationData d = Zeroed<MDIFSv3CorrelationData>();
+    d.reference.ambientTemperature = 25.0;
+    d.reference.setTemperature = 6500.0;
+    d.reference.dimmerOut = 40;
+    d.reference.toneRed = 1.0;
+    d.reference.toneGreen = 2.0;
+    d.reference.toneBlue = 3.0;
+    FillDoubles(&d.referenceTone, 0.75);
+    FillDoubles(&d.normalizedMeasurement, 5.25);
+    FillDoubles(&d.toneCorrection, 50.25);
+    Value const base = ToJson(d);
+
+    ExpectChanges(
+        base, MDIFSv3CorrelationDataEquals,
+        {
+            {"ambient within 1e-5", [](Value& v) { v["reference"]["ambientTemperature"] = 25.000009; }, true},
+            {"ambient beyond 1e-5", [](Value& v) { v["reference"]["ambientTemperature"] = 25.00002; }, false},
+            {"dimmer output as a real", [](Value& v) { v["reference"]["dimmerOut"] = 40.0; }, false},
+            {"tone within 0.1", [](Value& v) { v["reference"]["tone"]["blue"] = 3.09; }, true},
+            {"tone beyond 0.1", [](Value& v) { v["reference"]["tone"]["blue"] = 3.11; }, false},
+            {"gamma length", [](Value& v) { v["referenceTone"]["gamma"].append(Value(1.0)); }, false},
+            {"gamma beyond 1e-4",
+             [](Value& v) { v["referenceTone"]["gamma"][0] = Add(v["referenceTone"]["gamma"][0], 0.0002); },
+             false},
+            {"black RGB", [](Value& v) { v["normalizedMeasurement"]["black"]["G"] = 1.0; }, false},
+            {"last tone step", [](Value& v) { v["toneCorrection"][6]["blue"]["X"] = 1.0; }, false},
+            {"tone steps missing", [](Value& v) { v["toneCorrection"] = Value::array(); }, false},
+            {"an eighth tone step", [](Value& v) { v["toneCorrection"].append(v["toneCorrection"][0]); },
+             false},
+            {"ignored extra member", [](Value& v) { v["isFactory"] = true; }, true},
+        });
+}
