@@ -25,11 +25,26 @@ public:
 };
 
 // measurement
-class SensorXYZ : public Bridge {};
-class SensorRawData : public Bridge {};
-class SensorRGB : public Bridge {};
-class SensorIR : public Bridge {};
-class SensorXYZWithoutCorrelation : public Bridge {};
+class SensorXYZ : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+};
+class SensorRawData : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+};
+class SensorRGB : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+};
+class SensorIR : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+};
+class SensorXYZWithoutCorrelation : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+};
 
 // mechanics and settings
 class SensorArm : public Bridge {
@@ -46,15 +61,30 @@ public:
     BridgeResult Get(BridgeData const& data) override;
     BridgeResult Put(BridgeData const& data) override;
 };
-class SensorParameterDescription : public Bridge {};
+class SensorParameterDescription : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+    BridgeResult Put(BridgeData const& data) override;
+};
 class SensorTargetMarker : public Bridge {
 public:
     BridgeResult Get(BridgeData const& data) override;
     BridgeResult Put(BridgeData const& data) override;
 };
-class SensorIFSTempCorrectParam : public Bridge {};
-class SensorIFSBrightCorrectParamUpdate : public Bridge {};
-class SensorDeviceOption : public Bridge {};
+class SensorIFSTempCorrectParam : public Bridge {
+public:
+    BridgeResult Post(BridgeData const& data) override;
+};
+class SensorIFSBrightCorrectParamUpdate : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+    BridgeResult Put(BridgeData const& data) override;
+};
+class SensorDeviceOption : public Bridge {
+public:
+    BridgeResult Get(BridgeData const& data) override;
+    BridgeResult Put(BridgeData const& data) override;
+};
 
 // corrections
 class SensorCorrection : public Bridge {
