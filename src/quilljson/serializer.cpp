@@ -1,6 +1,11 @@
 #include "serializer.h"
 
 #include <cmath>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+#include <cstdlib>
+#include <new>
 #include <vector>
 
 #include "number_text.h"
@@ -30,19 +35,42 @@ struct EscapeTable {
 };
 constexpr EscapeTable kEscape;
 
-// Appends to the caller's string through a raw cursor: the string is grown
-// ahead of the cursor and cut back to the written length in finish(), so the
-// hot paths are plain stores after one capacity check per value.
+// The text is written through a raw cursor into a buffer kept per thread and
+// grown with realloc, then appended to the caller's string in one piece. A
+// string grown in place would be zero-filled and copied on every doubling,
+// and each large block it takes is fresh memory that must be faulted in; the
+// kept buffer is warm after the first call and realloc can move pages.
+struct ThreadBuffer {
+    char* data = nullptr;
+    size_t capacity = 0;
+    ~ThreadBuffer() { std::free(data); }
+};
+thread_local ThreadBuffer t_buffer;
+constexpr size_t kKeptBuffer = size_t(4) << 20; // a larger one is freed after use
+
 class Writer {
 public:
-    explicit Writer(std::string& out) : out_(out) {
-        size_t const used = out.size();
-        out.resize(used + 256 > out.capacity() ? used + 256 : out.capacity());
-        cur_ = &out[0] + used;
-        limit_ = &out[0] + out.size();
+    Writer() : tb_(t_buffer) {
+        if (!tb_.data) {
+            tb_.data = static_cast<char*>(std::malloc(4096));
+            if (!tb_.data) throw std::bad_alloc();
+            tb_.capacity = 4096;
+        }
+        cur_ = tb_.data;
+        limit_ = tb_.data + tb_.capacity;
     }
+    Writer(Writer const&) = delete;
+    Writer& operator=(Writer const&) = delete;
 
-    void finish() { out_.resize(static_cast<size_t>(cur_ - out_.data())); }
+    // Appends the text to out (also after a failure: what was written stays).
+    void finish(std::string& out) {
+        out.append(tb_.data, static_cast<size_t>(cur_ - tb_.data));
+        if (tb_.capacity > kKeptBuffer) {
+            std::free(tb_.data);
+            tb_.data = nullptr;
+            tb_.capacity = 0;
+        }
+    }
 
     void reserve(size_t n) {
         if (static_cast<size_t>(limit_ - cur_) < n) grow(n);
@@ -72,9 +100,36 @@ public:
         reserve(s.size() * 6 + 2);
         char* w = cur_;
         *w++ = '"';
-        for (unsigned char c : s) {
+        unsigned char const* b = reinterpret_cast<unsigned char const*>(s.data());
+        unsigned char const* const e = b + s.size();
+        for (;;) {
+#if defined(__SSE2__)
+            // Bytes that need no escape are copied 16 at a time, up to the
+            // first one that does.
+            while (e - b >= 16) {
+                __m128i const chunk = _mm_loadu_si128(reinterpret_cast<__m128i const*>(b));
+                __m128i const control =
+                    _mm_cmpeq_epi8(_mm_max_epu8(chunk, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+                __m128i const special = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(chunk, _mm_set1_epi8('"')),
+                                                                  _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\\'))),
+                                                     _mm_cmpeq_epi8(chunk, _mm_set1_epi8(0x7F)));
+                unsigned const mask =
+                    static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(control, special)));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(w), chunk);
+                if (mask != 0) {
+                    unsigned const clean = static_cast<unsigned>(__builtin_ctz(mask));
+                    b += clean; // the bytes stored after it are rewritten below
+                    w += clean;
+                    break;
+                }
+                b += 16;
+                w += 16;
+            }
+#endif
+            if (b == e) break;
+            unsigned char const c = *b++;
             char const code = kEscape.code[c];
-            if (code == 0) { // the common case
+            if (code == 0) {
                 *w++ = static_cast<char>(c);
             } else if (code != 'u') {
                 w[0] = '\\';
@@ -94,15 +149,18 @@ public:
 
 private:
     void grow(size_t n) {
-        size_t const used = static_cast<size_t>(cur_ - out_.data());
-        size_t size = out_.size() * 2;
-        if (size < used + n) size = used + n;
-        out_.resize(size);
-        cur_ = &out_[0] + used;
-        limit_ = &out_[0] + out_.size();
+        size_t const used = static_cast<size_t>(cur_ - tb_.data);
+        size_t capacity = tb_.capacity * 2;
+        if (capacity < used + n) capacity = used + n;
+        char* data = static_cast<char*>(std::realloc(tb_.data, capacity));
+        if (!data) throw std::bad_alloc();
+        tb_.data = data;
+        tb_.capacity = capacity;
+        cur_ = data + used;
+        limit_ = data + capacity;
     }
 
-    std::string& out_;
+    ThreadBuffer& tb_;
     char* cur_;
     char* limit_;
 };
@@ -256,10 +314,10 @@ bool Serializer::serialize(std::string& out, Value const& value, SerializeOption
             break;
         }
     }
-    Writer writer(out);
+    Writer writer;
     SerializeWorker worker(writer, layout);
     bool const ok = pretty ? worker.run<true>(value) : worker.run<false>(value);
-    writer.finish(); // on failure the text written so far stays
+    writer.finish(out); // on failure the text written so far stays
     if (error) *error = ok ? std::string() : std::string(kNonFinite);
     return ok;
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -116,4 +117,22 @@ TEST(Serializer, NonFiniteDoubleFailsKeepingTheTextSoFar) {
     EXPECT_EQ(Serializer::toText(Value(-INFINITY)), "");
     EXPECT_TRUE(Serializer::serialize(out, Value(1), SerializeOption(), &error));
     EXPECT_EQ(error, "");
+}
+
+// Any byte string comes back unchanged through the serializer and the parser,
+// whatever the position of the bytes that need escapes.
+TEST(Serializer, StringsRoundTrip) {
+    std::mt19937 rng(7);
+    char const alphabet[] = {'a',    'Z',    ' ',    '/',    '"',    '\\', '\x01',
+                             '\x1f', '\x7f', '\x80', '\xc3', '\xff', '\0'};
+    for (int i = 0; i < 20000; ++i) {
+        std::string s;
+        size_t const length = rng() % 70;
+        bool const plain = rng() % 2;
+        for (size_t k = 0; k < length; ++k)
+            s += plain && rng() % 16 ? 'x' : alphabet[rng() % sizeof alphabet];
+        Value back;
+        ASSERT_TRUE(quilljson::Parser().parse(&back, Serializer::toText(Value(s))));
+        ASSERT_EQ(back.stringRef(), s);
+    }
 }

@@ -174,6 +174,9 @@ TEST(Double, TextMatchesPrintfOnRandomDoubles) {
         std::snprintf(expected, sizeof expected, "%.17g", d);
         ASSERT_EQ(doubleText(d), expected) << std::hexfloat << d;
     };
+    // Exact halfway cases at the 17th digit: quarters just above 2^50.
+    for (double d = 1125899906842624.25; d < 1125899906842640.0; d += 0.25)
+        check(d);
     for (int i = 0; i < 300000; ++i) {
         uint64_t bits = rng();
         double d;
@@ -182,8 +185,27 @@ TEST(Double, TextMatchesPrintfOnRandomDoubles) {
         check(ordinary(rng));
         check(static_cast<double>(static_cast<int64_t>(rng() >> (rng() % 64))));
     }
-    for (double d : {std::numeric_limits<double>::min(), std::numeric_limits<double>::max(),
-                     std::numeric_limits<double>::denorm_min(), 5e-324, 1e23, 9007199254740993.0, 0.5, 1e-5})
+    for (double d : {std::numeric_limits<double>::min(),
+                     std::numeric_limits<double>::max(),
+                     std::numeric_limits<double>::denorm_min(),
+                     5e-324,
+                     1e23,
+                     9007199254740993.0,
+                     0.5,
+                     1e-5,
+                     1125899906842624.25,
+                     1125899906842624.75,
+                     562949953421312.125,
+                     0.3,
+                     2.5e-7,
+                     123456.0,
+                     1e16,
+                     99999999999999999.0,
+                     9.9999999999999995e-5,
+                     1e-4,
+                     1e17,
+                     8.5,
+                     1e300 * 1e8})
         check(d);
 }
 
