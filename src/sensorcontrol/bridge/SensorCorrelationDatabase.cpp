@@ -88,7 +88,7 @@ BridgeResult SensorCorrelationDatabase::Get(BridgeData const& data) {
 
     MDDeviceID const deviceID = MDGetDeviceID(device);
     std::string const serial = Text(MDGetSerialNumber(device));
-    MonitorIdentity const monitor = GetMonitorIdentity(hid);
+    MonitorIdentity monitor = GetMonitorIdentity(hid);
     DvCtrlHZEPriority priority = 0;
     ApplyBuiltinSensorDataIndex(hid, &priority, false);
     Value const current = GetCorrelationData(hid, device, priority, false);
@@ -121,7 +121,7 @@ BridgeResult SensorCorrelationDatabase::Get(BridgeData const& data) {
 BridgeResult SensorCorrelationDatabase::Post(BridgeData const& data) {
     void* device = GetMDHandle(data, &uri, kResource);
     void* hid = GetHIDHandle(device);
-    MonitorIdentity const monitor = GetMonitorIdentity(hid);
+    MonitorIdentity monitor = GetMonitorIdentity(hid);
     MDDeviceID const deviceID = MDGetDeviceID(device);
     std::string const serial = Text(MDGetSerialNumber(device));
 
@@ -138,18 +138,18 @@ BridgeResult SensorCorrelationDatabase::Post(BridgeData const& data) {
     if (IsIFSv3Kind(deviceID)) {
         MDIFSv3CorrelationData const record = MDIFSv3CorrelationDataFromJson(request["correlationData"]);
         added = TOVEL_EXEC(corvane, MDAddIFSv3CorrelationData, deviceID, serial.c_str(), referenceDeviceID,
-                           referenceSerial.c_str(), monitor.product, monitor.serial, monitor.panelRevision,
-                           record, dated ? &date : nullptr, &id);
+                           referenceSerial.c_str(), monitor.databaseProduct(), monitor.databaseSerial(),
+                           monitor.panelRevision, record, dated ? &date : nullptr, &id);
     } else {
         MDCSSG2CorrelationDataEx const record = MDCSSG2CorrelationDataExFromJson(request["correlationData"]);
         if (dated)
             added = TOVEL_EXEC(corvane, MDAddCSSG2CorrelationDataWithDateEx, deviceID, serial.c_str(),
-                               referenceDeviceID, referenceSerial.c_str(), monitor.product, monitor.serial,
-                               monitor.panelRevision, record, date, &id);
+                               referenceDeviceID, referenceSerial.c_str(), monitor.databaseProduct(),
+                               monitor.databaseSerial(), monitor.panelRevision, record, date, &id);
         else
             added = TOVEL_EXEC(corvane, MDAddCSSG2CorrelationDataEx, deviceID, serial.c_str(),
-                               referenceDeviceID, referenceSerial.c_str(), monitor.product, monitor.serial,
-                               monitor.panelRevision, record, &id);
+                               referenceDeviceID, referenceSerial.c_str(), monitor.databaseProduct(),
+                               monitor.databaseSerial(), monitor.panelRevision, record, &id);
     }
     BridgeCheckDvError(added, "Add correlation data to database.");
     Value result = Value::object();

@@ -21,23 +21,24 @@ using quilljson::Value;
 
 MonitorIdentity GetMonitorIdentity(void* monitor) {
     MonitorIdentity identity;
-    GetSerialProductWithHIDHandle(monitor, &identity.serial, &identity.product, true);
+    GetSerialProductWithHIDHandle(monitor, &identity.product, &identity.serial, true);
     identity.panelRevision =
-        TOVEL_EXEC(libdvcLoader::loader(), DvCtrlGetPanelRevision, identity.serial, identity.product);
+        TOVEL_EXEC(libdvcLoader::loader(), DvCtrlGetPanelRevision, identity.product, identity.serial);
     return identity;
 }
 
 void ApplyBuiltinSensorDataIndex(void* monitor, DvCtrlHZEPriority* priority, bool factory) {
-    char serial[9] = {};
-    char product[17] = {};
-    GetSerialProductWithHIDHandle(monitor, &serial, &product, true);
+    char product[9] = {};
+    char serial[17] = {};
+    GetSerialProductWithHIDHandle(monitor, &product, &serial, true);
     MonitorLock lock(monitor);
 
     libdvcLoader& dvc = libdvcLoader::loader();
     CSSG2_COLORSENSOR_DATA_INDEX index = 0;
-    if (TOVEL_EXEC(dvc, DvCtrlSupportedHZEPriority, serial, product) != 0) {
+    // The 9-character text first (see MonitorIdentity).
+    if (TOVEL_EXEC(dvc, DvCtrlSupportedHZEPriority, product, serial) != 0) {
         DvCtrlHZEPriority read = 0;
-        BridgeCheckDvError(TOVEL_EXEC(dvc, DvCtrlGetHZEPriority, serial, product, &read),
+        BridgeCheckDvError(TOVEL_EXEC(dvc, DvCtrlGetHZEPriority, product, serial, &read),
                            "Get HZE priority.");
         if (priority != nullptr) *priority = read;
         index = read == 2 ? 1 : 0;

@@ -59,13 +59,20 @@ inline std::string StringOf(quilljson::Value const& value) {
     return value.isString() ? value.stringRef() : std::string();
 }
 
-// A monitor as the correlation databases key it. The two buffers are named
-// after the arguments they are passed as: `serial` receives what the monitor
-// list reports in its first (9-character) buffer, `product` the second.
+// A monitor as the correlation databases key it.
+//
+// The device libraries have always been called with these texts in fixed
+// positions, which are kept: the monitor-control functions take the
+// 9-character text first (where they name the serial), and the database
+// functions take the 17-character text where they name the monitor product
+// and the 9-character text where they name the monitor serial.
 struct MonitorIdentity {
-    char serial[9] = {};
-    char product[17] = {};
+    char product[9] = {}; // as the monitor list reports them
+    char serial[17] = {};
     uint16_t panelRevision = 0;
+
+    char* databaseProduct() { return serial; }
+    char* databaseSerial() { return product; }
 };
 // The monitor of a HID handle (404 when no monitor has it) and its panel revision.
 MonitorIdentity GetMonitorIdentity(void* monitor);

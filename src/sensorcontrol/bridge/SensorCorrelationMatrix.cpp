@@ -19,7 +19,7 @@ using namespace detail;
 BridgeResult SensorCorrelationMatrix::Get(BridgeData const& data) {
     void* device = GetMDHandle(data, &uri, "CorrelationMatrix");
     if (!HasQuery(data, "available")) throw BadRequest("requires 'available' query.");
-    MonitorIdentity const monitor = GetMonitorIdentity(GetHIDHandle(device));
+    MonitorIdentity monitor = GetMonitorIdentity(GetHIDHandle(device));
 
     libpallastLoader& pallast = libpallastLoader::loader();
     Value list = Value::array();
@@ -27,8 +27,8 @@ BridgeResult SensorCorrelationMatrix::Get(BridgeData const& data) {
         MDDeviceID referenceDeviceID = 0;
         char referenceSerial[33] = {};
         uint64_t id = 0;
-        if (TOVEL_EXEC(pallast, MDEnumCorrelationMatrix, device, monitor.product, monitor.panelRevision,
-                       index, &referenceDeviceID, referenceSerial, &id)
+        if (TOVEL_EXEC(pallast, MDEnumCorrelationMatrix, device, monitor.databaseProduct(),
+                       monitor.panelRevision, index, &referenceDeviceID, referenceSerial, &id)
                 .code != 0)
             break;
         Value reference = Value::object();

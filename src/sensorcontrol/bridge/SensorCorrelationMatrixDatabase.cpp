@@ -29,7 +29,7 @@ struct Frame {
     void* const device;
     void* const hid;
     MDDeviceID const deviceID;
-    MonitorIdentity monitor; // writable: the library takes the monitor texts as char*
+    MonitorIdentity monitor; // the library takes the monitor texts as writable buffers
 };
 
 Value Entry(unsigned long id, MDDeviceID referenceDeviceID, std::string const& referenceSerial,
@@ -64,7 +64,7 @@ BridgeResult SensorCorrelationMatrixDatabase::Get(BridgeData const& data) {
         for (unsigned long index = 0;; ++index) {
             MDCorrelationMatrixInfo info = Zeroed<MDCorrelationMatrixInfo>();
             unsigned long id = 0;
-            if (TOVEL_EXEC(corvane, MDEnumCorrelationMatrixInfo, frame.deviceID, monitor.product,
+            if (TOVEL_EXEC(corvane, MDEnumCorrelationMatrixInfo, frame.deviceID, monitor.databaseProduct(),
                            monitor.panelRevision, index, &info, &id)
                     .code != 0)
                 break;
@@ -92,7 +92,7 @@ BridgeResult SensorCorrelationMatrixDatabase::Get(BridgeData const& data) {
 
     unsigned long id = 0;
     if (TOVEL_EXEC(corvane, MDGetLatestCorrelationMatrixID, frame.deviceID, referenceDeviceID,
-                   referenceSerial.c_str(), monitor.product, monitor.panelRevision, &id)
+                   referenceSerial.c_str(), monitor.databaseProduct(), monitor.panelRevision, &id)
             .code < 0)
         return BridgeResultOK(Value());
     CSSG2_Date date = Zeroed<CSSG2_Date>();
@@ -116,9 +116,9 @@ BridgeResult SensorCorrelationMatrixDatabase::Post(BridgeData const& data) {
 
     libdvcLoader& dvc = libdvcLoader::loader();
     int dataPage = 0;
-    if (TOVEL_EXEC(dvc, DvCtrlSupportedHZEPriority, monitor.serial, monitor.product) != 0) {
+    if (TOVEL_EXEC(dvc, DvCtrlSupportedHZEPriority, monitor.product, monitor.serial) != 0) {
         DvCtrlHZEPriority priority = 0;
-        BridgeCheckDvError(TOVEL_EXEC(dvc, DvCtrlGetHZEPriority, monitor.serial, monitor.product, &priority),
+        BridgeCheckDvError(TOVEL_EXEC(dvc, DvCtrlGetHZEPriority, monitor.product, monitor.serial, &priority),
                            "Get HZE priority.");
         dataPage = priority == 2 ? 1 : 0;
     }
@@ -137,8 +137,8 @@ BridgeResult SensorCorrelationMatrixDatabase::Post(BridgeData const& data) {
     unsigned long id = 0;
     BridgeCheckDvError(TOVEL_EXEC(libcorvaneLoader::loader(), MDAddCorrelationMatrix, frame.deviceID,
                                   sensorSerial.c_str(), referenceDeviceID, referenceSerial.c_str(),
-                                  monitor.product, monitor.serial, monitor.panelRevision, dataPage,
-                                  correlationID, matrix, dated ? &date : nullptr, &id),
+                                  monitor.databaseProduct(), monitor.databaseSerial(), monitor.panelRevision,
+                                  dataPage, correlationID, matrix, dated ? &date : nullptr, &id),
                        "Add correlation matrix data to database.");
     Value result = Value::object();
     result["id"] = id;
