@@ -310,9 +310,17 @@ private:
     // Members of the first-inserted key win: an existing key is left alone.
     // Keys arriving in ascending order (common) are placed at the end with a
     // single comparison instead of a tree search.
+    // Byte-wise a < b like std::less<std::string>, deciding on the first byte
+    // inline (keys mostly differ there) before calling memcmp.
+    static bool keyLess(std::string const& a, std::string const& b) {
+        if (!a.empty() && !b.empty() && a[0] != b[0])
+            return static_cast<unsigned char>(a[0]) < static_cast<unsigned char>(b[0]);
+        return a < b;
+    }
+
     static void insertMember(Frame& f, std::string&& key, Value&& v) {
         auto& map = *static_cast<Value::ObjectType*>(f.data);
-        if (map.empty() || map.rbegin()->first < key)
+        if (map.empty() || keyLess(map.rbegin()->first, key))
             map.emplace_hint(map.end(), std::move(key), std::move(v));
         else
             map.try_emplace(std::move(key), std::move(v));
@@ -781,6 +789,10 @@ bool Parser::parse(Value* out, AbstractParseHandler* handler, char const* begin,
     Workspace own;
     Workspace* ws = t_workspace.busy ? &own : &t_workspace;
     ws->busy = true;
+    struct Release { // also when a handler throws
+        Workspace* ws;
+        ~Release() { ws->reset(); }
+    } release{ws};
     bool ok;
     if (out && handler)
         ok = Run<kBuildKeys>(handler, begin, end, flags, error_, *ws).document(out);
@@ -790,7 +802,6 @@ bool Parser::parse(Value* out, AbstractParseHandler* handler, char const* begin,
         ok = Run<kEvents>(handler, begin, end, flags, error_, *ws).document(nullptr);
     else
         ok = Run<kCheck>(handler, begin, end, flags, error_, *ws).document(nullptr);
-    ws->reset();
     if (error) *error = error_;
     return ok;
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <stdexcept>
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -299,4 +300,32 @@ TEST(Parser, RealsMatchStrtod) {
                              "0.000000000000000000000000000000000001", "1e23", "8.98846567431158e307",
                              "179769313486231580793728971405301e276"})
         check(text);
+}
+
+// A handler may parse another text, or throw, in the middle of a parse.
+TEST(Parser, ReentrantAndThrowingHandlers) {
+    struct Nested : Recorder {
+        std::string inner;
+        bool onObjectKey(std::string const& k) override {
+            Value v;
+            Parser().parse(&v, R"([1,{"x":[2]}])");
+            inner = quilljson::Serializer::toText(v);
+            return Recorder::onObjectKey(k);
+        }
+    } nested;
+    Value outer;
+    std::string const text = R"({"a":[1,2],"b":{"c":3}})";
+    EXPECT_TRUE(Parser().parse(&outer, &nested, text.data(), text.data() + text.size()));
+    EXPECT_EQ(nested.inner, R"([1,{"x":[2]}])");
+    EXPECT_EQ(quilljson::Serializer::toText(outer), R"({"a":[1,2],"b":{"c":3}})");
+
+    struct Throwing : Recorder {
+        bool onArrayEnd(uint64_t) override { throw std::runtime_error("stop"); }
+    } throwing;
+    Value partial;
+    EXPECT_THROW(Parser().parse(&partial, &throwing, text.data(), text.data() + text.size()),
+                 std::runtime_error);
+    Value again;
+    EXPECT_TRUE(Parser().parse(&again, text));
+    EXPECT_EQ(again, outer);
 }
