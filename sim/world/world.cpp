@@ -122,6 +122,13 @@ Call& Call::reals(double const* values, size_t count) {
     impl_->args.append(values == nullptr ? Value() : toJson(values, count));
     return *this;
 }
+Call& Call::rows(double const* values, size_t rows) {
+    Value matrix = values == nullptr ? Value() : Value::array();
+    for (size_t r = 0; values != nullptr && r < rows; ++r)
+        matrix.append(toJson(values + 3 * r, 3));
+    impl_->args.append(matrix);
+    return *this;
+}
 Call& Call::text(char const* value) {
     impl_->args.append(value == nullptr ? Value() : Value(value));
     return *this;

@@ -65,7 +65,8 @@ public:
     Call& unum(uint64_t value);
     Call& real(double value);
     Call& reals(double const* values, size_t count);
-    Call& text(char const* value); // null gives null
+    Call& rows(double const* values, size_t rows); // a matrix: rows of 3
+    Call& text(char const* value);                 // null gives null
     Call& handle(void const* value);
     Call& null();
     Call& record(colour const& value);

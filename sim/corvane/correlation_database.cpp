@@ -1,0 +1,158 @@
+// libcorvane: the correlation-data database. Entries keep the texts they were
+// added with; the enumeration lists the entries of one sensor (device id and
+// serial) in the order they were added. New entries take the next free id.
+#include <algorithm>
+#include <string>
+
+#include "devices/corvane.h"
+#include "world/world.h"
+
+namespace {
+
+std::string textOf(char const* text) {
+    return text != nullptr ? text : "";
+}
+
+sim::CorrelationEntry* entry(sim::World& world, uint64_t id) {
+    for (auto& e : world.correlationDatabase)
+        if (e.id == id) return &e;
+    return nullptr;
+}
+
+DvError add(sim::Call& call, MDDeviceID deviceID, char const* serial, MDDeviceID referenceDeviceID,
+            char const* referenceSerial, char const* monitorProduct, char const* monitorSerial,
+            uint16_t panelRevision, std::optional<CSSG2_Date> date, MDIFSv3CorrelationData const* ifsv3,
+            MDCSSG2CorrelationDataEx const* cssg2, uint64_t* id) {
+    DvError result;
+    if (call.injected(&result)) return result;
+    if (id == nullptr) return sim::result(sim::code::kInvalidArgument);
+    auto& database = call.world().correlationDatabase;
+    sim::CorrelationEntry e;
+    for (auto const& existing : database)
+        e.id = std::max(e.id, existing.id);
+    ++e.id;
+    e.deviceID = deviceID;
+    e.serial = textOf(serial);
+    e.referenceDeviceID = referenceDeviceID;
+    e.referenceSerial = textOf(referenceSerial);
+    e.monitorProduct = textOf(monitorProduct);
+    e.monitorSerial = textOf(monitorSerial);
+    e.panelRevision = panelRevision;
+    e.date = date;
+    e.firstGeneration = ifsv3 != nullptr;
+    if (ifsv3 != nullptr) e.ifsv3 = *ifsv3;
+    if (cssg2 != nullptr) e.cssg2 = *cssg2;
+    database.push_back(e);
+    *id = e.id;
+    return sim::ok();
+}
+
+} // namespace
+
+extern "C" {
+
+DvError MDEnumCorrelationInfo(MDDeviceID deviceID, char const* serial, uint64_t index,
+                              MDCorrelationInfo* info, uint64_t* id) {
+    sim::Call call("MDEnumCorrelationInfo");
+    call.num(deviceID).text(serial).unum(index);
+    DvError result;
+    if (call.injected(&result)) return result;
+    std::string const sensor = textOf(serial);
+    uint64_t position = 0;
+    for (auto const& e : call.world().correlationDatabase) {
+        if (e.deviceID != deviceID || e.serial != sensor || position++ != index) continue;
+        if (info != nullptr) {
+            info->referenceDeviceID = static_cast<int32_t>(e.referenceDeviceID);
+            sim::copyText(info->referenceSerial, sizeof info->referenceSerial, e.referenceSerial);
+            sim::copyText(info->monitorProduct, sizeof info->monitorProduct, e.monitorProduct);
+            sim::copyText(info->monitorSerial, sizeof info->monitorSerial, e.monitorSerial);
+            info->panelRevision = e.panelRevision;
+        }
+        if (id != nullptr) *id = e.id;
+        return sim::ok();
+    }
+    return sim::result(sim::code::kNoMoreData);
+}
+
+// An entry stored without a date answers "No more data.".
+DvError MDGetCorrelationDataDate(uint64_t id, CSSG2_Date* date) {
+    sim::Call call("MDGetCorrelationDataDate");
+    call.unum(id);
+    DvError result;
+    if (call.injected(&result)) return result;
+    sim::CorrelationEntry* e = entry(call.world(), id);
+    if (e == nullptr) return sim::result(sim::code::kNotRegistered);
+    if (!e->date) return sim::result(sim::code::kNoMoreData);
+    if (date == nullptr) return sim::result(sim::code::kInvalidBuffer);
+    *date = *e->date;
+    return sim::ok();
+}
+
+// Reading an entry as the other record family answers "Invalid data.".
+DvError MDGetIFSv3CorrelationData(uint64_t id, MDIFSv3CorrelationData* data) {
+    sim::Call call("MDGetIFSv3CorrelationData");
+    call.unum(id);
+    DvError result;
+    if (call.injected(&result)) return result;
+    sim::CorrelationEntry* e = entry(call.world(), id);
+    if (e == nullptr) return sim::result(sim::code::kNotRegistered);
+    if (!e->firstGeneration) return sim::result(sim::code::kInvalidData);
+    if (data == nullptr) return sim::result(sim::code::kInvalidBuffer);
+    *data = e->ifsv3;
+    return sim::ok();
+}
+
+DvError MDGetCSSG2CorrelationDataEx(uint64_t id, MDCSSG2CorrelationDataEx* data) {
+    sim::Call call("MDGetCSSG2CorrelationDataEx");
+    call.unum(id);
+    DvError result;
+    if (call.injected(&result)) return result;
+    sim::CorrelationEntry* e = entry(call.world(), id);
+    if (e == nullptr) return sim::result(sim::code::kNotRegistered);
+    if (e->firstGeneration) return sim::result(sim::code::kInvalidData);
+    if (data == nullptr) return sim::result(sim::code::kInvalidBuffer);
+    *data = e->cssg2;
+    return sim::ok();
+}
+
+DvError MDAddIFSv3CorrelationData(MDDeviceID deviceID, char const* serial, MDDeviceID referenceDeviceID,
+                                  char const* referenceSerial, char const* monitorProduct,
+                                  char const* monitorSerial, uint16_t panelRevision,
+                                  MDIFSv3CorrelationData data, CSSG2_Date const* date, uint64_t* id) {
+    sim::Call call("MDAddIFSv3CorrelationData");
+    call.num(deviceID).text(serial).num(referenceDeviceID).text(referenceSerial).text(monitorProduct);
+    call.text(monitorSerial).num(panelRevision).record(data);
+    if (date != nullptr)
+        call.record(*date);
+    else
+        call.null();
+    std::optional<CSSG2_Date> const stored =
+        date != nullptr ? std::optional<CSSG2_Date>(*date) : std::nullopt;
+    return add(call, deviceID, serial, referenceDeviceID, referenceSerial, monitorProduct, monitorSerial,
+               panelRevision, stored, &data, nullptr, id);
+}
+
+DvError MDAddCSSG2CorrelationDataEx(MDDeviceID deviceID, char const* serial, MDDeviceID referenceDeviceID,
+                                    char const* referenceSerial, char const* monitorProduct,
+                                    char const* monitorSerial, uint16_t panelRevision,
+                                    MDCSSG2CorrelationDataEx data, uint64_t* id) {
+    sim::Call call("MDAddCSSG2CorrelationDataEx");
+    call.num(deviceID).text(serial).num(referenceDeviceID).text(referenceSerial).text(monitorProduct);
+    call.text(monitorSerial).num(panelRevision).record(data);
+    return add(call, deviceID, serial, referenceDeviceID, referenceSerial, monitorProduct, monitorSerial,
+               panelRevision, std::nullopt, nullptr, &data, id);
+}
+
+DvError MDAddCSSG2CorrelationDataWithDateEx(MDDeviceID deviceID, char const* serial,
+                                            MDDeviceID referenceDeviceID, char const* referenceSerial,
+                                            char const* monitorProduct, char const* monitorSerial,
+                                            uint16_t panelRevision, MDCSSG2CorrelationDataEx data,
+                                            CSSG2_Date date, uint64_t* id) {
+    sim::Call call("MDAddCSSG2CorrelationDataWithDateEx");
+    call.num(deviceID).text(serial).num(referenceDeviceID).text(referenceSerial).text(monitorProduct);
+    call.text(monitorSerial).num(panelRevision).record(data).record(date);
+    return add(call, deviceID, serial, referenceDeviceID, referenceSerial, monitorProduct, monitorSerial,
+               panelRevision, date, nullptr, &data, id);
+}
+
+} // extern "C"
