@@ -1,0 +1,135 @@
+// The journal of device calls and injected results.
+#include <cstring>
+#include <set>
+#include <thread>
+
+#include "devices/corvane.h"
+#include "devices/dvc.h"
+#include "devices/pallast.h"
+#include "devices/quorsensor.h"
+#include "sim_test_util.h"
+
+namespace {
+
+using namespace simtest;
+
+class Journal : public SimTest {};
+
+Value Handle(void* h) {
+    return Value(static_cast<long>(reinterpret_cast<uintptr_t>(h)));
+}
+
+TEST_F(Journal, RecordsInputArgumentsInOrder) {
+    void* handle = nullptr;
+    ASSERT_EQ(0, MDOpenWithIndividualID(0xA1B2C3D4u, &handle).code);
+    EXPECT_EQ(Array({Value(0xA1B2C3D4L)}), LastArgs()); // the out-parameter is left out
+
+    ASSERT_EQ(0, MDApplyEmissionCorrection(handle, 1, "VX2710", 3).code);
+    EXPECT_EQ(Array({Handle(handle), Value(1), Value("VX2710"), Value(3)}), LastArgs());
+
+    uint32_t size = 7;
+    MDGetExCorrectionName(handle, 2, nullptr, &size);
+    EXPECT_EQ(Array({Handle(handle), Value(2), Value(7)}), LastArgs()); // the in/out size as given
+
+    void* hid = nullptr;
+    DvCtrlGetHIDHandle(nullptr, "VX2710", &hid);
+    EXPECT_EQ(Array({Value(), Value("VX2710")}), LastArgs());
+
+    CSSG2_Date date{2025, 1, 2, 3, 4};
+    char serial[33] = "LS8-20419";
+    CSSG2H_SetCriterionSensorDescription(reinterpret_cast<void*>(4098), date, 8, serial);
+    Value const args = LastArgs();
+    EXPECT_EQ(Value(4098), args[0]);
+    EXPECT_EQ(Value(2025), args[1]["year"]);
+    EXPECT_EQ(Value(4), args[1]["minute"]);
+    EXPECT_EQ(Value("LS8-20419"), args[3]);
+
+    Value const journal = ::simtest::Journal();
+    ASSERT_EQ(5u, journal.size());
+    EXPECT_EQ(Value("MDOpenWithIndividualID"), journal[0]["function"]);
+    EXPECT_EQ(2u, journal[0].size());
+    SimClearJournal();
+    EXPECT_EQ(0u, ::simtest::Journal().size());
+}
+
+TEST_F(Journal, RecordsTravelInTheirWireForm) {
+    MDCSSG2CorrelationDataEx data{};
+    data.calibrationData.measurement.referenceBlack.X = 0.25;
+    data.calibrationData.measurement.referenceWhite.X = 95.5;
+    data.correctionData.correction.reference[8].Z = 7.5;
+    data.correctionData.correction.XYZ[0].Y = 1.5;
+    data.luminanceLevelCorrection.dimmerOut = 180;
+    uint64_t id = 0;
+    ASSERT_EQ(0, MDAddCSSG2CorrelationDataEx(0x150, "QS5-52B00042", 8, "LS8-20419", "VX3220", "52B00042", 1,
+                                             data, &id)
+                     .code);
+    Value const record = LastArgs()[7];
+    EXPECT_EQ(Value(0.25), record["calibrationData"]["measurement"]["reference"]["black"]["X"]);
+    EXPECT_EQ(Value(95.5), record["calibrationData"]["measurement"]["reference"]["white"]["X"]);
+    EXPECT_EQ(Value(7.5), record["correctionData"]["correction"][8]["reference"]["Z"]);
+    EXPECT_EQ(Value(1.5), record["correctionData"]["correction"][0]["XYZ"]["Y"]);
+    EXPECT_EQ(Value(180), record["luminanceLevelCorrection"]["dimmerOut"]);
+
+    // The stored entry reads back with the same numbers.
+    MDCSSG2CorrelationDataEx back{};
+    ASSERT_EQ(0, MDGetCSSG2CorrelationDataEx(id, &back).code);
+    EXPECT_EQ(0, std::memcmp(&data, &back, sizeof data));
+}
+
+TEST_F(Journal, InjectedResultReplacesTheWork) {
+    void* handle = nullptr;
+    ASSERT_EQ(0, MDOpen(8, &handle).code);
+    SimClearJournal();
+    SimInjectResult("MDSetMode", kInvalidArgument);
+    SimInjectResult("MDOpen", 2);
+    EXPECT_EQ(kInvalidArgument, MDSetMode(handle, 5, 1).code);
+    EXPECT_EQ(Value(0), World()["devices"][0]["mode"]);
+    EXPECT_EQ(Value("MDSetMode"), ::simtest::Journal()[0]["function"]); // still journaled
+
+    void* other = nullptr;
+    EXPECT_EQ(2, MDOpen(8, &other).code); // a positive note, still without the work
+    EXPECT_EQ(nullptr, other);
+
+    // Functions that do not return a DvError ignore injections.
+    SimInjectResult("MDGetDeviceID", kInvalidArgument);
+    SimInjectResult("DvCtrlGetPanelRevision", kInvalidArgument);
+    EXPECT_EQ(8u, MDGetDeviceID(handle));
+    EXPECT_EQ(1, DvCtrlGetPanelRevision("52B00042", "VX3220"));
+
+    SimClearInjections();
+    EXPECT_EQ(0, MDSetMode(handle, 5, 1).code);
+    EXPECT_EQ(Value(5), World()["devices"][0]["mode"]);
+}
+
+TEST_F(Journal, KeepsOnlyTheLatestCalls) {
+    for (int i = 0; i < 10005; ++i)
+        MDGetNameFromDeviceID(static_cast<MDDeviceID>(i));
+    Value const journal = ::simtest::Journal();
+    ASSERT_EQ(10000u, journal.size());
+    EXPECT_EQ(Value(5), journal[0]["args"][0]);
+    EXPECT_EQ(Value(10004), journal[9999]["args"][0]);
+}
+
+TEST_F(Journal, CallsFromManyThreadsAreAllRecorded) {
+    std::vector<std::thread> threads;
+    std::vector<std::vector<void*>> opened(4);
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([t, &opened] {
+            for (int i = 0; i < 200; ++i) {
+                void* handle = nullptr;
+                if (MDOpen(t % 2 == 0 ? 8 : 11, &handle).code == 0) opened[t].push_back(handle);
+                DvCtrlLockMonitor("VX2710", "41A00017");
+                DvCtrlUnlockMonitor("41A00017", "VX2710");
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    std::set<void*> unique;
+    for (auto const& handles : opened)
+        unique.insert(handles.begin(), handles.end());
+    EXPECT_EQ(800u, unique.size());
+    EXPECT_EQ(2400u, ::simtest::Journal().size());
+    EXPECT_EQ(Value(0), World()["monitors"][0]["lockCount"]);
+}
+
+} // namespace
