@@ -1,0 +1,126 @@
+#include "usage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ostream>
+
+#include "routes.h"
+
+#ifndef SENSORCONTROL_LIBRARY_SUFFIX
+#define SENSORCONTROL_LIBRARY_SUFFIX ".so"
+#endif
+
+namespace sensorctl {
+
+namespace {
+
+char const kIntroduction[] = R"(sensorctl: send requests to libsensorcontrol the way a host application does.
+
+Usage:
+  sensorctl [options] 'REQUEST' ['REQUEST'...]   each argument is one request
+  sensorctl [options] -f FILE                    one request per line; -f - reads standard input
+  sensorctl [options] demo                       a guided tour of the simulated world
+  sensorctl --help
+
+All requests of one run share one loaded library, so a sensor opened by one
+request stays open for the next ones (sensor ids live only as long as the
+process).
+
+Requests:
+  METHOD /Resource/path[?QUERY] [BODY] [-> $name [SELECTOR]]
+
+  METHOD   GET, POST, PUT or DELETE (any case); it becomes {"method":"GET"}.
+  path     a resource path of the table below; {name} segments become the
+           path-parameter object, as strings: /Sensors/8 -> {"deviceID":"8"}.
+  QUERY    key or key=value items joined by '&'. A bare key becomes true, a
+           value a string: ?connected -> {"connected":true},
+           ?deviceIDs=8,11 -> {"deviceIDs":"8,11"}. The library tests most
+           keys for presence only.
+  BODY     the rest of the line, passed unchanged as the data text (empty when
+           absent). JSON usually; text that is not JSON reaches the library as
+           a string.
+
+Variables:
+  A request ending in "-> $name" stores the "value" of its response: a string
+  as its text, anything else as compact JSON. A SELECTOR picks a member
+  first: ".serial", "[0].id", ".referenceSensor.serial". When the response
+  has nothing there (an error, say), the variable becomes empty and a warning
+  is printed. Later requests use $name or ${name} in path parameters, query
+  values and the body; $$ is a literal '$'. Variables never choose the
+  resource, and a variable must be set by an earlier request.
+
+    POST /Sensors/8 -> $spectro
+    GET /Sensors/$spectro/XYZ
+    GET /Sensors/$spectro -> $serial .serial
+
+Scripts (-f):
+  One request per line; blank lines and lines starting with '#' are skipped.
+  The whole script is read and checked (syntax, resource paths, variables)
+  before the library is loaded; the first line that cannot be understood is
+  reported with its line number and nothing is sent.
+
+Output:
+  One line "STATUS RESPONSE" per request, for example
+    200 {"error":null,"value":["3f2a..."]}
+  With --echo each request is printed first as "> REQUEST"; with --journal the
+  simulator's device calls of each request follow as "journal [...]".
+
+Demo:
+  "sensorctl demo" opens the simulated sensors and monitors and walks through
+  discovery, opening, description, mode, calibration, measurement,
+  corrections, presence sensing and correlation, printing each request and
+  its response. It exits 0 whatever the statuses are.
+
+Options:
+  --library PATH    the library to load (default: ../lib/libsensorcontrol)" SENSORCONTROL_LIBRARY_SUFFIX R"(
+                    relative to the folder of the sensorctl program)
+  -f FILE           read requests from FILE ('-' for standard input)
+  --pretty          pretty-print responses (and journals)
+  --echo            print each request before its response (always on in demo)
+  --journal         print the simulator's device calls after each response
+                    (warns and goes on when the back-end has no simulator)
+  --scenario FILE   load FILE into the simulator before Setup (also sets
+                    SENSORSIM_SCENARIO to it before the library is loaded)
+  --fail            exit 3 when a response status is 400 or above
+  -n, --dry-run     check the requests and print what each would pass to
+                    which export, without loading the library
+  -h, --help        this text
+
+Exit codes:
+  0  every request was sent and answered (whatever its status, unless --fail)
+  1  the library, one of its exports, a file or the scenario could not be used
+  2  bad options, or a request that cannot be understood (nothing is sent)
+  3  with --fail: a response status of 400 or above
+)";
+
+char const kRoutingNotes[] = R"(
+  The first row that matches wins. /Sensors/<x> is decided by the method: POST
+  opens the device with that device id (DeviceID); GET, PUT and DELETE address
+  the open sensor with that id (Sensor). Every other path takes any method;
+  the library answers a method it does not serve with 405 "MethodError".
+)";
+
+} // namespace
+
+void PrintUsage(std::ostream& out) {
+    out << kIntroduction << "\nResources (served methods; query keys read):\n";
+    size_t width = 0;
+    for (Route const& route : Routes())
+        width = std::max(width, std::strlen(route.pattern));
+    for (Route const& route : Routes()) {
+        std::string pattern = route.pattern;
+        pattern.resize(width + 2, ' ');
+        std::string name = route.exportName;
+        name.resize(35, ' ');
+        out << "  " << pattern << name << MaskText(route.served);
+        if (*route.queryKeys) out << "; ?" << route.queryKeys;
+        out << "\n";
+    }
+    out << kRoutingNotes;
+}
+
+void PrintShortUsage(std::ostream& out) {
+    out << "usage: sensorctl [options] 'REQUEST'... | -f FILE | demo   (sensorctl --help for more)\n";
+}
+
+} // namespace sensorctl
