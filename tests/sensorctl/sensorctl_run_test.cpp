@@ -1,0 +1,101 @@
+// Runs the built sensorctl against the built library and the simulated world.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Outcome {
+    int exitCode = -1;
+    std::vector<std::string> lines; // standard output
+    std::string errors;             // standard error
+};
+
+// Runs sensorctl with the arguments (already quoted for the shell) and, when
+// given, a script on standard input.
+Outcome Sensorctl(std::string const& arguments, std::string const& script = "") {
+    // Named by the test, so tests running side by side keep their files apart.
+    std::string const base =
+        ::testing::TempDir() + "sensorctl_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::ofstream(base + ".in") << script;
+    std::string command =
+        std::string(TEST_BINARY_DIR) + "/sensorctl " + arguments + " < " + base + ".in 2> " + base + ".err";
+    Outcome run;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) return run;
+    std::string out;
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        out.append(buffer, n);
+    int status = pclose(pipe);
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);)
+        run.lines.push_back(line);
+    std::ostringstream errors;
+    errors << std::ifstream(base + ".err").rdbuf();
+    run.errors = errors.str();
+    return run;
+}
+
+bool StartsWith(std::string const& text, std::string const& prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
+
+TEST(SensorctlRun, AScriptOpensASensorAndUsesItsIdInLaterRequests) {
+    Outcome run = Sensorctl("-f -", "# list, open, describe\n"
+                                    "GET /Sensors?connected\n"
+                                    "POST /Sensors/8 -> $spectro\n"
+                                    "GET /Sensors/$spectro\n"
+                                    "GET /Sensors/$spectro?connection\n");
+    EXPECT_EQ(0, run.exitCode) << run.errors;
+    ASSERT_EQ(4u, run.lines.size()) << run.errors;
+    EXPECT_TRUE(StartsWith(run.lines[0], R"(200 {"error":null,"value":[{"deviceID":8,)")) << run.lines[0];
+    EXPECT_TRUE(StartsWith(run.lines[1], R"(200 {"error":null,"value":")")) << run.lines[1];
+    EXPECT_TRUE(StartsWith(run.lines[2], "200 ")) << run.lines[2];
+    EXPECT_NE(std::string::npos, run.lines[2].find(R"("name":"Lumetra Spectro 8")")) << run.lines[2];
+    EXPECT_EQ(R"(200 {"error":null,"value":true})", run.lines[3]);
+}
+
+TEST(SensorctlRun, ErrorStatusesArePrintedAndFailOnlyWithTheOption) {
+    std::string const request = "'GET /Sensors/no-such-sensor'";
+    Outcome plain = Sensorctl(request);
+    EXPECT_EQ(0, plain.exitCode) << plain.errors;
+    ASSERT_EQ(1u, plain.lines.size());
+    EXPECT_EQ(R"(404 {"error":{"message":"Not found.","name":"Error"},"value":null})", plain.lines[0]);
+    EXPECT_EQ(3, Sensorctl("--fail " + request).exitCode);
+}
+
+TEST(SensorctlRun, RequestsThatCannotBeUnderstoodNeverReachTheLibrary) {
+    // A library that cannot be loaded would exit 1: exit 2 shows it was never tried.
+    for (char const* request : {"'GET /Sensors'  'GET /Sensor/x'", "'PATCH /Sensors'", "'GET /Sensors/$x'"}) {
+        Outcome run = Sensorctl(std::string("--library /nonexistent/libsensorcontrol.so ") + request);
+        EXPECT_EQ(2, run.exitCode) << request;
+        EXPECT_TRUE(run.lines.empty()) << request;
+        EXPECT_TRUE(StartsWith(run.errors, "sensorctl: argument ")) << run.errors;
+    }
+    EXPECT_EQ(1, Sensorctl("--library /nonexistent/libsensorcontrol.so 'GET /Sensors'").exitCode);
+}
+
+TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
+    Outcome run = Sensorctl("--journal 'POST /Sensors/8'");
+    EXPECT_EQ(0, run.exitCode) << run.errors;
+    ASSERT_EQ(2u, run.lines.size()) << run.errors;
+    EXPECT_TRUE(StartsWith(run.lines[1], "journal [")) << run.lines[1];
+    EXPECT_NE(std::string::npos, run.lines[1].find(R"("function":"MDOpen")")) << run.lines[1];
+}
+
+TEST(SensorctlRun, TheDemoRunsToTheEndWhateverTheStatuses) {
+    Outcome run = Sensorctl("demo");
+    EXPECT_EQ(0, run.exitCode) << run.errors;
+    ASSERT_FALSE(run.lines.empty());
+    EXPECT_EQ("> GET /Sensors", run.lines[run.lines.size() - 2]);
+    EXPECT_EQ(R"(200 {"error":null,"value":[]})", run.lines.back());
+}
+
+} // namespace
