@@ -51,15 +51,23 @@ struct Frame {
     bool isObject;
 };
 
+// The key of a member whose value is being read: a view of the input, or
+// the decoded text when the key had escapes (text is then null).
+struct PendingKey {
+    char const* text;
+    size_t size;
+    std::string decoded;
+};
+
 // The buffers of a parse, kept per thread so that a parse reuses the capacity
 // of the previous one (growing them anew each time costs more than the parse
 // of a small text, and their large blocks make malloc consolidate its free
 // lists). A parse started from a handler while one runs gets its own.
 struct Workspace {
-    std::string scratch;           // decoded text of a string with escapes
-    std::vector<Frame> stack;      // open containers
-    std::vector<std::string> keys; // keys of the open nested members (target modes)
-    std::vector<Value> elements;   // elements of the open arrays (target modes)
+    std::string scratch;          // decoded text of a string with escapes
+    std::vector<Frame> stack;     // open containers
+    std::vector<PendingKey> keys; // keys of the open nested members (target modes)
+    std::vector<Value> elements;  // elements of the open arrays (target modes)
     bool busy = false;
 
     // Empties the buffers; big ones (after a deep or huge text) are freed.
@@ -68,7 +76,7 @@ struct Workspace {
         keys.clear();
         elements.clear();
         if (stack.capacity() > 4096) std::vector<Frame>().swap(stack);
-        if (keys.capacity() > 4096) std::vector<std::string>().swap(keys);
+        if (keys.capacity() > 4096) std::vector<PendingKey>().swap(keys);
         if (elements.capacity() > 65536) std::vector<Value>().swap(elements);
         if (scratch.capacity() > 65536) std::string().swap(scratch);
         busy = false;
@@ -310,20 +318,17 @@ private:
     // Members of the first-inserted key win: an existing key is left alone.
     // Keys arriving in ascending order (common) are placed at the end with a
     // single comparison instead of a tree search.
-    // Byte-wise a < b like std::less<std::string>, deciding on the first byte
-    // inline (keys mostly differ there) before calling memcmp.
-    static bool keyLess(std::string const& a, std::string const& b) {
-        if (!a.empty() && !b.empty() && a[0] != b[0])
-            return static_cast<unsigned char>(a[0]) < static_cast<unsigned char>(b[0]);
-        return a < b;
-    }
-
-    static void insertMember(Frame& f, std::string&& key, Value&& v) {
+    // The first of two equal keys wins: emplace leaves an existing member
+    // alone. The end hint makes keys arriving in ascending order (common)
+    // cost one comparison instead of a tree search; the key is made in the
+    // node straight from the input.
+    static void insertMember(Frame& f, char const* text, size_t size, std::string& decoded, Value&& v) {
         auto& map = *static_cast<Value::ObjectType*>(f.data);
-        if (map.empty() || keyLess(map.rbegin()->first, key))
-            map.emplace_hint(map.end(), std::move(key), std::move(v));
+        if (text)
+            map.emplace_hint(map.end(), std::piecewise_construct, std::forward_as_tuple(text, size),
+                             std::forward_as_tuple(std::move(v)));
         else
-            map.try_emplace(std::move(key), std::move(v));
+            map.emplace_hint(map.end(), std::move(decoded), std::move(v));
     }
 
     bool nested() {
@@ -348,23 +353,30 @@ private:
                 char const* kb;
                 size_t kn;
                 if (!string(kb, kn)) return false;
-                std::string key;
-                if (kTarget) key.assign(kb, kn);
-                if (kHandler && !handler_->onObjectKey(handlerText(key, kb, kn))) return cancelled();
+                std::string decoded;
+                if (kTarget && kb == scratch_.data()) { // the value may reuse scratch_
+                    decoded.assign(kb, kn);
+                    kb = nullptr;
+                }
+                if (kHandler) {
+                    bool const goOn = kTarget ? handler_->onObjectKey(kb ? std::string(kb, kn) : decoded)
+                                              : handler_->onObjectKey(handlerText(kb, kn));
+                    if (!goOn) return cancelled();
+                }
                 skipSpace();
                 if (p_ == end_ || *p_ != ':') return fail(kObjectJunk);
                 ++p_;
                 skipSpace();
                 if (p_ == end_) return fail(kUnexpectedCharacter);
                 if (*p_ == '{' || *p_ == '[') {
-                    if (kTarget) keys_.push_back(std::move(key));
+                    if (kTarget) keys_.push_back(PendingKey{kb, kn, std::move(decoded)});
                     if (!openNested()) return false;
                     continue;
                 }
                 if (kTarget) {
                     Value v;
                     if (!scalar(&v)) return false;
-                    insertMember(*f, std::move(key), std::move(v));
+                    insertMember(*f, kb, kn, decoded, std::move(v));
                 } else if (!scalar(nullptr)) {
                     return false;
                 }
@@ -423,7 +435,8 @@ private:
                 f = &stack_.back();
                 if (kTarget) {
                     if (f->isObject) {
-                        insertMember(*f, std::move(keys_.back()), std::move(child));
+                        PendingKey& key = keys_.back();
+                        insertMember(*f, key.text, key.size, key.decoded, std::move(child));
                         keys_.pop_back();
                     } else {
                         elements_.push_back(std::move(child));
@@ -454,8 +467,7 @@ private:
                     target->type_ = Value::String;
                 }
             } else if (kAllEvents) {
-                std::string none;
-                if (!handler_->onString(handlerText(none, sb, sn))) return cancelled();
+                if (!handler_->onString(handlerText(sb, sn))) return cancelled();
             }
             return true;
         }
@@ -493,10 +505,9 @@ private:
         return true;
     }
 
-    // The text handed to onObjectKey/onString: the key itself when it was
-    // built, else the scratch buffer (which may already hold it).
-    std::string const& handlerText(std::string const& built, char const* b, size_t n) {
-        if (kTarget) return built;
+    // A text for onObjectKey/onString in the handler-only mode: the scratch
+    // buffer, which already holds it when it had escapes.
+    std::string const& handlerText(char const* b, size_t n) {
         if (b != scratch_.data()) scratch_.assign(b, n);
         return scratch_;
     }
@@ -777,7 +788,7 @@ private:
     std::string& error_;
     std::string& scratch_;
     std::vector<Frame>& stack_;
-    std::vector<std::string>& keys_;
+    std::vector<PendingKey>& keys_;
     std::vector<Value>& elements_;
 };
 

@@ -112,6 +112,8 @@ TEST(Parser, ContainerLeniencyAndErrors) {
         {R"({x "a":1})", 0, true, "", R"({"a":1})"},
         {R"({"a":1,x})", 0, false, "Unexpected comma exists while parsing object.", R"({"a":1})"},
         {R"({"a":1,"a":2,"b":3,"a":4})", 0, true, "", R"({"a":1,"b":3})"},
+        {R"({"a\u0062":{"\u0063":"\u0064"},"ab":1,"\u0061":"\t"})", 0, true, "",
+         R"({"a":"\t","ab":{"c":"d"}})"},
         {R"({"a" 1})", 0, false, "Unexpected string exists while parsing object.", "{}"},
         {R"({"a")", 0, false, "Unexpected string exists while parsing object.", "{}"},
         {R"({"a":})", 0, false, "Unexpected character exists while parsing.", "{}"},
