@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace quilljson {
@@ -66,6 +67,13 @@ public:
 
     // Assigns in place when this is an unshared string, else takes a fresh string.
     Value& operator=(char const* s);
+    // Numbers and booleans assign through their constructors. Without this,
+    // `v = 0` would pick the char const* overload (a null pointer constant
+    // converts without a user-defined conversion).
+    template <typename T, typename = std::enable_if_t<std::is_arithmetic<T>::value>>
+    Value& operator=(T number) noexcept {
+        return *this = Value(number);
+    }
 
     // Turns a non-object into an empty object, makes the object private, and
     // returns the member (created as null when missing).
