@@ -6,6 +6,10 @@
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
 
+namespace quilljson {
+void PrintTo(Value const& value, std::ostream* out) { *out << Serializer::toText(value); }
+} // namespace quilljson
+
 namespace host {
 
 Response Call(Endpoint endpoint, std::string const& method, std::string const& params, std::string const& query,
@@ -55,13 +59,15 @@ quilljson::Value Journal() {
 
 std::vector<std::string> JournalFunctions() {
     std::vector<std::string> names;
-    for (auto const& call : Journal().arrayRef())
+    quilljson::Value const journal = Journal(); // kept: the loop reads into it
+    for (auto const& call : journal.arrayRef())
         names.push_back(call["function"].toString(""));
     return names;
 }
 
 quilljson::Value FirstCall(std::string const& function) {
-    for (auto const& call : Journal().arrayRef())
+    quilljson::Value const journal = Journal();
+    for (auto const& call : journal.arrayRef())
         if (call["function"].toString("") == function)
             return call;
     return quilljson::Value();
@@ -88,7 +94,7 @@ void LoadScenarioFile(std::string const& name) {
 void HostTest::SetUp() {
     LoadScenarioFile("default.json");
     SimClearInjections();
-    Setup();
+    ::Setup();
     SimClearJournal();
 }
 

@@ -11,6 +11,11 @@
 #include "sensorcontrol/sensorcontrol.h"
 #include "sensorsim.h"
 
+namespace quilljson {
+// Failure messages show values as JSON text.
+void PrintTo(Value const& value, std::ostream* out);
+} // namespace quilljson
+
 namespace host {
 
 using Endpoint = uint32_t (*)(char const*, char const*, char const*, char const*);
