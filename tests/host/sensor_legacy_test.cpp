@@ -1,0 +1,109 @@
+// An older libpallast without the functions that are looked up by name. The
+// exports directory is read once per process, so the checks run in a child
+// process whose exports directory holds the legacy library beside the other
+// stand-ins.
+#include <dirent.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "host/sensor_test_util.h"
+
+extern char** environ;
+
+namespace {
+
+using quilljson::Value;
+using namespace sensortest;
+
+char const* const kChildFlag = "SENSOR_LEGACY_CHILD";
+
+// A fresh folder with links to every stand-in, libpallast being the legacy one.
+std::string LegacyExportsFolder() {
+    char folder[] = "/tmp/sensor-legacy-XXXXXX";
+    if (mkdtemp(folder) == nullptr) return std::string();
+    std::string const libraries = TEST_LIBRARY_DIR;
+    std::string const pallast = std::string("libpallast") + SENSORCONTROL_LIBRARY_SUFFIX;
+    DIR* dir = opendir(libraries.c_str());
+    if (dir == nullptr) return std::string();
+    while (dirent* entry = readdir(dir)) {
+        std::string const name = entry->d_name;
+        if (name == "." || name == ".." || name == "legacy") continue;
+        std::string const target = name == pallast ? libraries + "/legacy/" + name : libraries + "/" + name;
+        if (symlink(target.c_str(), (std::string(folder) + "/" + name).c_str()) != 0) return std::string();
+    }
+    closedir(dir);
+    return folder;
+}
+
+TEST(SensorLegacyLibrary, RunsTheChecksWithTheLegacyLibrary) {
+    std::string const folder = LegacyExportsFolder();
+    ASSERT_FALSE(folder.empty());
+    std::vector<std::string> env;
+    for (char** e = environ; *e != nullptr; ++e)
+        env.push_back(*e);
+    env.push_back("HALVERN_EXPORTS_PATH=" + folder);
+    env.push_back(std::string(kChildFlag) + "=1");
+    std::vector<char*> envp;
+    for (auto& e : env)
+        envp.push_back(&e[0]);
+    envp.push_back(nullptr);
+    std::string self = "/proc/self/exe";
+    std::string filter = "--gtest_filter=SensorLegacyChild.*";
+    char* argv[] = {&self[0], &filter[0], nullptr};
+
+    pid_t pid = 0;
+    ASSERT_EQ(0, posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv, envp.data()));
+    int status = 0;
+    ASSERT_EQ(pid, waitpid(pid, &status, 0));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see the child's output above";
+    std::system(("rm -rf " + folder).c_str());
+}
+
+class SensorLegacyChild : public host::HostTest {
+protected:
+    void SetUp() override {
+        if (std::getenv(kChildFlag) == nullptr) GTEST_SKIP() << "runs in the child process only";
+        host::HostTest::SetUp();
+    }
+};
+
+TEST_F(SensorLegacyChild, DescriptionLeavesOutTheTargetMarker) {
+    host::Response r = host::Call(::Sensor, "GET", host::IdParams(host::OpenByDeviceID(8)));
+    ASSERT_EQ(200u, r.status) << r.text;
+    EXPECT_FALSE(r.value().contains("hasTargetMarker")) << r.text;
+    EXPECT_TRUE(r.value().contains("hasArm")) << r.text;
+}
+
+TEST_F(SensorLegacyChild, CallsByNameAnswerFunctionNotFound) {
+    std::string id = host::OpenByDeviceID(8);
+    struct {
+        host::Endpoint endpoint;
+        char const* method;
+        char const* query;
+        char const* body;
+    } const cases[] = {
+        {::SensorRawData, "GET", "", ""},
+        {::SensorExteriorLight, "GET", "{\"supports\":1}", ""},
+        {::SensorExteriorLight, "PUT", "", "{\"state\":1}"},
+        {::SensorTargetMarker, "GET", "{\"supports\":1}", ""},
+        {::SensorParameterDescription, "GET", "", ""},
+        {::SensorIFSTempCorrectParam, "POST", "", ""},
+        {::SensorIFSBrightCorrectParamUpdate, "GET", "{\"supports\":1}", ""},
+        {::SensorDeviceOption, "GET", "", ""},
+    };
+    for (auto const& c : cases) {
+        host::Response r = host::Call(c.endpoint, c.method, host::IdParams(id), c.query, c.body);
+        EXPECT_EQ(404u, r.status) << r.text;
+        EXPECT_EQ("FunctionNotFoundError", r.errorName()) << r.text;
+        EXPECT_EQ("libpallast does not have a requested function.", r.errorMessage()) << r.text;
+    }
+    // Linked functions keep working.
+    EXPECT_EQ(200u, host::Call(::SensorXYZ, "GET", host::IdParams(id)).status);
+}
+
+} // namespace
