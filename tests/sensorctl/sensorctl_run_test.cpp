@@ -90,12 +90,19 @@ TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
     EXPECT_NE(std::string::npos, run.lines[1].find(R"("function":"MDOpen")")) << run.lines[1];
 }
 
-TEST(SensorctlRun, TheDemoRunsToTheEndWhateverTheStatuses) {
+TEST(SensorctlRun, TheDemoWalksTheDefaultWorldWithoutAnErrorStatus) {
     Outcome run = Sensorctl("demo");
     EXPECT_EQ(0, run.exitCode) << run.errors;
     ASSERT_FALSE(run.lines.empty());
-    EXPECT_EQ("> GET /Sensors", run.lines[run.lines.size() - 2]);
-    EXPECT_EQ(R"(200 {"error":null,"value":[]})", run.lines.back());
+    size_t requests = 0;
+    for (size_t i = 0; i < run.lines.size(); ++i) {
+        if (!StartsWith(run.lines[i], "> ")) continue;
+        ++requests;
+        ASSERT_LT(i + 1, run.lines.size());
+        EXPECT_TRUE(StartsWith(run.lines[i + 1], "200 ")) << run.lines[i] << "\n" << run.lines[i + 1];
+    }
+    EXPECT_GT(requests, 30u);
+    EXPECT_EQ(R"(200 {"error":null,"value":[]})", run.lines.back()); // all closed at the end
 }
 
 } // namespace

@@ -52,23 +52,29 @@ DemoStep const kTour[] = {
     {"The database entry equal to the monitor's current data (null when there is none)",
      "GET /Sensors/$monitor/Correlation/Database"},
 
-    {"Correction matrix: read it, write the identity, read again, put the old one back",
+    {"Correction matrix (the 8-row form this monitor keeps): read it, write another, read again, put the "
+     "old one back",
      "GET /Sensors/$monitor/CorrelationMatrix/Data?checksFactoryData -> $matrix .matrix"},
-    {"", R"(PUT /Sensors/$monitor/CorrelationMatrix/Data {"matrix":[[1,0,0],[0,1,0],[0,0,1]]})"},
-    {"", "GET /Sensors/$monitor/CorrelationMatrix/Data"},
+    {"",
+     R"(PUT /Sensors/$monitor/CorrelationMatrix/Data {"matrix":[[0,0,0],[1,0,0],[0,1,0],[0,0,1],[0,0,0],[0,0,0],[0,0,0],[0,0,0]]})"},
+    {"", "GET /Sensors/$monitor/CorrelationMatrix/Data?checksFactoryData"},
     {"", R"(PUT /Sensors/$monitor/CorrelationMatrix/Data {"matrix":$matrix})"},
 
-    {"Stored correlation corrections: list them, apply the first, release it",
-     "GET /Sensors/$monitor/Correlation?available -> $correction [0].id"},
-    {"", R"(PUT /Sensors/$monitor/Correlation {"id":$correction})"},
-    {"", "DELETE /Sensors/$monitor/Correlation"},
+    {"Correlation matrices stored for the monitor's sensor: list them, apply the first, release it",
+     "GET /Sensors/$monitor/CorrelationMatrix?available -> $storedMatrix [0].id"},
+    {"", "PUT /Sensors/$monitor/CorrelationMatrix $storedMatrix"},
+    {"", "DELETE /Sensors/$monitor/CorrelationMatrix"},
 
-    {"Store the monitor's current data in the database, list the database, find the entry again",
+    {"Correlation corrections stored with the spectro: list them, apply the first, release it",
+     "GET /Sensors/$spectro/Correlation?available -> $correction [0].id"},
+    {"", R"(PUT /Sensors/$spectro/Correlation {"id":$correction})"},
+    {"", "DELETE /Sensors/$spectro/Correlation"},
+
+    {"Store the monitor's current data in the database, then list the database: the new entry comes last",
      "GET /Sensors/$monitor/Correlation/Data -> $data"},
     {"",
      R"(POST /Sensors/$monitor/Correlation/Database {"referenceSensor":{"deviceID":8,"serial":"$spectroSerial"},"date":"2024-05-07 10:30:00","correlationData":$data})"},
     {"", "GET /Sensors/$monitor/Correlation/Database?available"},
-    {"", "GET /Sensors/$monitor/Correlation/Database"},
 
     {"The second generation monitor keeps the other family of correlation records",
      "POST /Monitors/VX3220/52B00042/Sensor -> $monitor2"},

@@ -211,6 +211,7 @@ int RunScript(std::vector<Step> const& steps, RunOptions const& options, std::os
                 out << "  -> $" << request.binding.name
                     << (request.binding.selector.empty() ? "" : " " + request.binding.selector);
             out << "\n";
+            out.flush(); // ahead of anything the library writes to standard error
         }
 
         CallTexts texts = MakeCallTexts(request.method, expanded.parameters, expanded.query, expanded.body);

@@ -64,6 +64,8 @@ Output:
     200 {"error":null,"value":["3f2a..."]}
   With --echo each request is printed first as "> REQUEST"; with --journal the
   simulator's device calls of each request follow as "journal [...]".
+  Messages of sensorctl, and the library's log lines where the logging
+  library writes them there, go to standard error.
 
 Demo:
   "sensorctl demo" opens the simulated sensors and monitors and walks through
