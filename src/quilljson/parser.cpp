@@ -157,10 +157,6 @@ template <int kMode> class Parser::Run {
     static constexpr bool kHandler = kMode == kBuildKeys || kMode == kEvents;
     static constexpr bool kAllEvents = kMode == kEvents;
 
-    using ObjectBox = Value::Container<Value::ObjectType>;
-    using ArrayBox = Value::Container<Value::ArrayType>;
-    using StringBox = Value::Container<std::string>;
-
 public:
     Run(AbstractParseHandler* handler, char const* begin, char const* end, uint32_t flags, std::string& error,
         Workspace& ws)
@@ -179,7 +175,7 @@ public:
         skipSpace();
         if (p_ == end_) return fail(kUnexpectedCharacter);
         if (*p_ == '{' || *p_ == '[') {
-            if (!openRoot(out)) return false;
+            if (!open(out)) return false;
             if (!nested()) {
                 if (kTarget && !stack_.front().isObject) keepRootElements();
                 return false;
@@ -229,59 +225,24 @@ private:
 
     // ---- containers -------------------------------------------------------
 
-    // The top level goes straight into the target: an object target keeps its
-    // members and gains the parsed ones (inserted, not made private, like
-    // Value::insert); an array target is made private and appended to.
-    bool openRoot(Value* out) {
+    // Opens an object or array (p_ at its bracket). The top level (root set)
+    // is built straight into the target: an object target keeps its members
+    // and gains the parsed ones (inserted, not made private, like
+    // Value::insert); an array target is made private and appended to. A
+    // nested container is built in a fresh holder in its frame.
+    bool open(Value* root) {
         bool const isObject = *p_ == '{';
-        Frame f{Value(), nullptr, 0, elements_.size(), isObject};
+        stack_.push_back(Frame{Value(), nullptr, 0, elements_.size(), isObject});
         if (kTarget) {
+            Frame& f = stack_.back();
+            Value& v = root ? *root : f.holder;
             if (isObject) {
-                if (out->type_ != Value::Object) {
-                    out->release();
-                    out->payload_.c = new ObjectBox();
-                    out->type_ = Value::Object;
-                }
-                f.data = &static_cast<ObjectBox*>(out->payload_.c)->data;
+                f.data = &v.become<Value::ObjectType>(Value::Object);
             } else {
-                if (out->type_ != Value::Array) {
-                    out->release();
-                    out->payload_.c = new ArrayBox();
-                    out->type_ = Value::Array;
-                } else if (out->payload_.c->count >= 2) {
-                    auto* copy = new ArrayBox(static_cast<ArrayBox*>(out->payload_.c)->data);
-                    --out->payload_.c->count;
-                    out->payload_.c = copy;
-                }
-                f.data = &static_cast<ArrayBox*>(out->payload_.c)->data;
+                v.become<Value::ArrayType>(Value::Array);
+                f.data = &v.makePrivate<Value::ArrayType>();
             }
         }
-        stack_.push_back(std::move(f));
-        return begin(isObject);
-    }
-
-    // A nested container: a fresh one in the new frame's holder.
-    bool openNested() {
-        bool const isObject = *p_ == '{';
-        Frame f{Value(), nullptr, 0, elements_.size(), isObject};
-        if (kTarget) {
-            if (isObject) {
-                auto* box = new ObjectBox();
-                f.holder.payload_.c = box;
-                f.holder.type_ = Value::Object;
-                f.data = &box->data;
-            } else {
-                auto* box = new ArrayBox();
-                f.holder.payload_.c = box;
-                f.holder.type_ = Value::Array;
-                f.data = &box->data;
-            }
-        }
-        stack_.push_back(std::move(f));
-        return begin(isObject);
-    }
-
-    bool begin(bool isObject) {
         ++p_; // past '{' or '['
         if (kAllEvents && !(isObject ? handler_->onObjectBegin() : handler_->onArrayBegin()))
             return cancelled();
@@ -315,9 +276,6 @@ private:
         moveElements(stack_.front());
     }
 
-    // Members of the first-inserted key win: an existing key is left alone.
-    // Keys arriving in ascending order (common) are placed at the end with a
-    // single comparison instead of a tree search.
     // The first of two equal keys wins: emplace leaves an existing member
     // alone. The end hint makes keys arriving in ascending order (common)
     // cost one comparison instead of a tree search; the key is made in the
@@ -370,7 +328,7 @@ private:
                 if (p_ == end_) return fail(kUnexpectedCharacter);
                 if (*p_ == '{' || *p_ == '[') {
                     if (kTarget) keys_.push_back(PendingKey{kb, kn, std::move(decoded)});
-                    if (!openNested()) return false;
+                    if (!open(nullptr)) return false;
                     continue;
                 }
                 if (kTarget) {
@@ -392,7 +350,7 @@ private:
                 }
                 if (p_ == end_) return fail(kUnexpectedCharacter);
                 if (*p_ == '{' || *p_ == '[') {
-                    if (!openNested()) return false;
+                    if (!open(nullptr)) return false;
                     continue;
                 }
                 if (kTarget) {
@@ -457,31 +415,21 @@ private:
             char const* sb;
             size_t sn;
             if (!string(sb, sn)) return false;
-            if (kTarget) {
-                if (target->type_ == Value::String && target->payload_.c->count < 2) {
-                    static_cast<StringBox*>(target->payload_.c)->data.assign(sb, sn);
-                } else {
-                    auto* box = new StringBox(std::string(sb, sn));
-                    target->release();
-                    target->payload_.c = box;
-                    target->type_ = Value::String;
-                }
-            } else if (kAllEvents) {
-                if (!handler_->onString(handlerText(sb, sn))) return cancelled();
-            }
+            if (kTarget)
+                target->assignString(sb, sn);
+            else if (kAllEvents && !handler_->onString(handlerText(sb, sn)))
+                return cancelled();
             return true;
         }
         case 't':
-            return literal("true", 4, kBadBoolean) && setBool(target, true);
+            return literal("true", 4, kBadBoolean) &&
+                   emit(target, Value(true), [this] { return handler_->onBool(true); });
         case 'f':
-            return literal("false", 5, kBadBoolean) && setBool(target, false);
+            return literal("false", 5, kBadBoolean) &&
+                   emit(target, Value(false), [this] { return handler_->onBool(false); });
         case 'n':
-            if (!literal("null", 4, kBadNull)) return false;
-            if (kTarget)
-                target->release();
-            else if (kAllEvents && !handler_->onNull())
-                return cancelled();
-            return true;
+            return literal("null", 4, kBadNull) &&
+                   emit(target, Value(), [this] { return handler_->onNull(); });
         default:
             if (*p_ == '-' || isDigit(*p_)) return number(target);
             return fail(kUnexpectedCharacter);
@@ -494,14 +442,13 @@ private:
         return true;
     }
 
-    bool setBool(Value* target, bool b) {
-        if (kTarget) {
-            target->release();
-            target->type_ = Value::Boolean;
-            target->payload_.b = b;
-        } else if (kAllEvents && !handler_->onBool(b)) {
+    // Stores a scalar in the target (its old content released), or reports
+    // it through the event in the handler-only mode.
+    template <typename Event> bool emit(Value* target, Value&& value, Event event) {
+        if (kTarget)
+            *target = std::move(value);
+        else if (kAllEvents && !event())
             return cancelled();
-        }
         return true;
     }
 
@@ -716,8 +663,11 @@ private:
                     }
                 } while (++p_ != end_ && isDigit(*p_));
         }
+        // The exponent's value is summed in 32 bits, wrapping like the int it
+        // always was: "1e4294967296" has the value 0 and is the integer 1. Only
+        // that test sees the wrapped value; the conversion reads the text.
         char const* exponentAt = nullptr;
-        bool exponentNonZero = false;
+        uint32_t exponentValue = 0;
         if (p_ != end_ && (*p_ == 'e' || *p_ == 'E')) {
             exponentAt = p_++;
             bool exponentNegative = false;
@@ -726,22 +676,15 @@ private:
             int64_t e = 0;
             do {
                 unsigned const digit = static_cast<unsigned>(*p_ - '0');
-                exponentNonZero |= digit != 0;
+                exponentValue = exponentValue * 10 + digit;
                 if (e < 1000000) e = e * 10 + digit; // far beyond any double: saturates
             } while (++p_ != end_ && isDigit(*p_));
-            exponent10 += exponentNegative ? -e : e;
+            if (exponentValue != 0) exponent10 += exponentNegative ? -e : e;
         }
 
-        if (!overflow && !fraction && !exponentNonZero) { // "1e0" and "-0" are integers too
+        if (!overflow && !fraction && exponentValue == 0) { // "1e0" and "-0" are integers too
             int64_t const i = static_cast<int64_t>(negative ? 0 - magnitude : magnitude);
-            if (kTarget) {
-                target->release();
-                target->type_ = Value::Integer;
-                target->payload_.i = i;
-            } else if (kAllEvents && !handler_->onInteger(i)) {
-                return cancelled();
-            }
-            return true;
+            return emit(target, Value(i), [this, i] { return handler_->onInteger(i); });
         }
 
         double d;
@@ -750,17 +693,10 @@ private:
         } else if (!exact || !detail::decimalToDouble(significand, exponent10, negative, d)) {
             // Many digits, or a result out of range: convert the text (a zero
             // exponent is cut off first).
-            char const* const textEnd = exponentAt && !exponentNonZero ? exponentAt : p_;
+            char const* const textEnd = exponentAt && exponentValue == 0 ? exponentAt : p_;
             if (!toDouble(start, textEnd, d)) return fail(kBadReal);
         }
-        if (kTarget) {
-            target->release();
-            target->type_ = Value::Float;
-            target->payload_.d = d;
-        } else if (kAllEvents && !handler_->onDouble(d)) {
-            return cancelled();
-        }
-        return true;
+        return emit(target, Value(d), [this, d] { return handler_->onDouble(d); });
     }
 
     // What Double::strToDouble gives for the number's text (with "e+" written

@@ -4,6 +4,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "number_text.h"
@@ -55,28 +56,6 @@ Value& Value::operator=(Value const& other) noexcept {
     return *this;
 }
 
-Value& Value::operator=(Value&& other) noexcept {
-    if (this != &other) {
-        uint32_t const type = other.type_;
-        Payload const payload = other.payload_;
-        other.type_ = Null;
-        other.payload_.i = 0;
-        release();
-        type_ = type;
-        payload_ = payload;
-    }
-    return *this;
-}
-
-Value::Value(bool b) noexcept : type_(Boolean), payload_{0} {
-    payload_.b = b;
-}
-Value::Value(long i) noexcept : type_(Integer), payload_{0} {
-    payload_.i = i;
-}
-Value::Value(double d) noexcept : type_(Float), payload_{0} {
-    payload_.d = d;
-}
 Value::Value(std::string const& s) : type_(String), payload_{0} {
     payload_.c = new StringBox(s);
 }
@@ -89,51 +68,28 @@ Value::Value(char const* s) : type_(String), payload_{0} {
 
 Value Value::object() {
     Value v;
-    v.payload_.c = new ObjectBox();
-    v.type_ = Object;
+    v.become<ObjectType>(Object);
     return v;
 }
 
 Value Value::array() {
     Value v;
-    v.payload_.c = new ArrayBox();
-    v.type_ = Array;
+    v.become<ArrayType>(Array);
     return v;
 }
 
-Value& Value::operator=(char const* s) {
+void Value::assignString(char const* s, size_t n) {
     if (type_ == String && payload_.c->count < 2) {
-        auto& data = static_cast<StringBox*>(payload_.c)->data;
-        if (s)
-            data.assign(s);
-        else
-            data.clear();
-        return *this;
+        static_cast<StringBox*>(payload_.c)->data.assign(s, n);
+        return;
     }
-    Value fresh(s); // made before the release: s may point into the old content
+    Value fresh(std::string(s, n)); // made before the release: s may point into the old content
     *this = std::move(fresh);
+}
+
+Value& Value::operator=(char const* s) {
+    assignString(s ? s : "", s ? std::strlen(s) : 0);
     return *this;
-}
-
-template <typename T> T& Value::become(Type t) {
-    if (type_ != t) {
-        release();
-        payload_.c = new Container<T>();
-        type_ = t;
-    }
-    return static_cast<Container<T>*>(payload_.c)->data;
-}
-
-template <typename T> T& Value::makePrivate() {
-    auto* box = static_cast<Container<T>*>(payload_.c);
-    if (box->count >= 2) {
-        // One level deep: the copied members share their own containers.
-        auto* copy = new Container<T>(box->data);
-        --box->count;
-        payload_.c = copy;
-        return copy->data;
-    }
-    return box->data;
 }
 
 Value& Value::operator[](std::string const& key) {

@@ -50,14 +50,14 @@ public:
     Value& operator=(Value const& other) noexcept;
     Value& operator=(Value&& other) noexcept;
 
-    Value(bool b) noexcept;
+    Value(bool b) noexcept : type_(Boolean), payload_{0} { payload_.b = b; }
     Value(int i) noexcept : Value(static_cast<int64_t>(i)) {}
     Value(unsigned int i) noexcept : Value(static_cast<int64_t>(i)) {}
-    Value(long i) noexcept;
+    Value(long i) noexcept : type_(Integer), payload_{0} { payload_.i = i; }
     Value(long long i) noexcept : Value(static_cast<long>(i)) {}
     Value(unsigned long i) noexcept : Value(static_cast<long>(i)) {}
     Value(unsigned long long i) noexcept : Value(static_cast<long>(i)) {}
-    Value(double d) noexcept;
+    Value(double d) noexcept : type_(Float), payload_{0} { payload_.d = d; }
     Value(std::string const& s);
     Value(std::string&& s);
     Value(char const* s);
@@ -157,6 +157,9 @@ private:
     static void destroy(uint32_t type, AbstractContainer* c) noexcept;
     template <typename T> T& makePrivate();  // copy-on-write of the container
     template <typename T> T& become(Type t); // converts into an empty container of kind t when needed
+    // Takes the text, in place when this is an unshared string (s may point
+    // into the old content).
+    void assignString(char const* s, size_t n);
 
     uint32_t type_;
     union Payload {
@@ -191,6 +194,18 @@ inline Value::Value(Value&& other) noexcept : type_(other.type_), payload_(other
     other.type_ = Null;
     other.payload_.i = 0;
 }
+inline Value& Value::operator=(Value&& other) noexcept {
+    if (this != &other) {
+        uint32_t const type = other.type_;
+        Payload const payload = other.payload_;
+        other.type_ = Null;
+        other.payload_.i = 0;
+        release();
+        type_ = type;
+        payload_ = payload;
+    }
+    return *this;
+}
 inline Value::~Value() {
     if (type_ & kContainerMask) release();
 }
@@ -200,6 +215,27 @@ inline void Value::release() noexcept {
     type_ = Null;
     payload_.i = 0;
     if ((type & kContainerMask) && --c->count == 0) destroy(type, c);
+}
+
+template <typename T> T& Value::become(Type t) {
+    if (type_ != t) {
+        release();
+        payload_.c = new Container<T>();
+        type_ = t;
+    }
+    return static_cast<Container<T>*>(payload_.c)->data;
+}
+
+template <typename T> T& Value::makePrivate() {
+    auto* box = static_cast<Container<T>*>(payload_.c);
+    if (box->count >= 2) {
+        // One level deep: the copied members share their own containers.
+        auto* copy = new Container<T>(box->data);
+        --box->count;
+        payload_.c = copy;
+        return copy->data;
+    }
+    return box->data;
 }
 
 } // namespace quilljson
