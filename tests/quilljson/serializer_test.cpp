@@ -27,45 +27,20 @@ Value parsed(std::string const& text) {
 } // namespace
 
 TEST(Serializer, EscapeTable) {
-    std::string all;
-    for (int c = 0; c < 256; ++c)
-        all += static_cast<char>(c);
-    std::string expected = "\"";
+    std::string const named = "\b\t\n\f\r\"\\", letters = "btnfr\"\\";
+    std::string all, expected = "\"";
     for (int c = 0; c < 256; ++c) {
-        char buf[8];
-        switch (c) {
-        case '\b':
-            expected += "\\b";
-            break;
-        case '\t':
-            expected += "\\t";
-            break;
-        case '\n':
-            expected += "\\n";
-            break;
-        case '\f':
-            expected += "\\f";
-            break;
-        case '\r':
-            expected += "\\r";
-            break;
-        case '"':
-            expected += "\\\"";
-            break;
-        case '\\':
-            expected += "\\\\";
-            break;
-        default:
-            if (c < 0x20 || c == 0x7F) {
-                std::snprintf(buf, sizeof buf, "\\u%04x", c);
-                expected += buf;
-            } else {
-                expected += static_cast<char>(c);
-            }
-        }
+        all += static_cast<char>(c);
+        size_t const k = c == 0 ? std::string::npos : named.find(static_cast<char>(c));
+        char buf[8] = {static_cast<char>(c)};
+        if (k != std::string::npos)
+            expected += std::string("\\") + letters[k];
+        else if (c < 0x20 || c == 0x7F)
+            expected += (std::snprintf(buf, sizeof buf, "\\u%04x", c), buf);
+        else
+            expected += buf;
     }
-    expected += "\"";
-    EXPECT_EQ(Serializer::toText(Value(all)), expected);
+    EXPECT_EQ(Serializer::toText(Value(all)), expected + "\"");
     EXPECT_EQ(Serializer::toText(Value("\x01/\xC3\xA9")), "\"\\u0001/\xC3\xA9\"");
 }
 
