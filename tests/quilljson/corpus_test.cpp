@@ -35,7 +35,7 @@ public:
 TEST(Corpus, EveryFileEndsAndAcceptedFilesMatchTheirClass) {
     // Accepted-class files the parser rejects on purpose: none so far.
     std::set<std::string> const rejectedOnPurpose = {};
-    std::filesystem::path const dir = std::filesystem::path(TEST_SHARED_DIR) / "json-corpus";
+    std::filesystem::path const dir = std::filesystem::path(TEST_DATA_DIR) / "json-corpus";
     int files = 0;
     for (auto const& entry : std::filesystem::directory_iterator(dir)) {
         std::string const name = entry.path().filename().string();
