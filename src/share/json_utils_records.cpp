@@ -1,5 +1,11 @@
 // JSON forms of the correlation records of both sensor generations.
+//
+// Most records are a fixed set of members, each under its own key; they are
+// written and read through one table of (key, member) per record. The two
+// nine-pair records and the records of mixed members are spelt out.
 #include "share/json_utils.h"
+
+#include <cstddef>
 
 namespace tovel {
 
@@ -7,64 +13,135 @@ using quilljson::Value;
 
 namespace {
 
-template <typename T> Value XYZToJson(T const& v) {
+// One member of a record and its key.
+template <typename Record, typename Member> struct Field {
+    char const* key;
+    Member Record::*member;
+};
+
+Value Write(double v) {
+    return Value(v);
+}
+template <typename Record> Value Write(Record const& v) {
+    return ToJson(v);
+}
+
+void Read(Value const& json, double* out) {
+    *out = JsonToDouble(json);
+}
+void Read(Value const& json, R2XC_Value* out) {
+    *out = R2XC_ValueFromJson(json);
+}
+void Read(Value const& json, KMCAL_G2XYZcnt* out) {
+    *out = KMCAL_G2XYZcntFromJson(json);
+}
+void Read(Value const& json, KMCAL_StdXYZ* out) {
+    *out = KMCAL_StdXYZFromJson(json);
+}
+void Read(Value const& json, KMCAL_G2RGBems* out) {
+    *out = KMCAL_G2RGBemsFromJson(json);
+}
+
+template <typename Record, typename Member, size_t N>
+Value FieldsToJson(Record const& v, Field<Record, Member> const (&fields)[N]) {
     Value json = Value::object();
-    json["X"] = v.X;
-    json["Y"] = v.Y;
-    json["Z"] = v.Z;
+    for (auto const& f : fields)
+        json[f.key] = Write(v.*f.member);
     return json;
 }
 
-template <typename T> T XYZFromJson(Value const& json) {
-    T v = Zeroed<T>();
-    v.X = JsonToDouble(json["X"]);
-    v.Y = JsonToDouble(json["Y"]);
-    v.Z = JsonToDouble(json["Z"]);
+template <typename Record, typename Member, size_t N>
+void FieldsFromJson(Value const& json, Field<Record, Member> const (&fields)[N], Record* v) {
+    for (auto const& f : fields)
+        Read(json[f.key], &(v->*f.member));
+}
+
+template <typename Record, typename Member, size_t N>
+Record RecordFromJson(Value const& json, Field<Record, Member> const (&fields)[N]) {
+    Record v = Zeroed<Record>();
+    FieldsFromJson(json, fields, &v);
     return v;
 }
 
+// Nine pairs stored as two runs: element i of the JSON array pairs the i-th of each run.
+template <typename First, typename Second>
+Value PairsToJson(char const* firstKey, First const (&first)[9], char const* secondKey,
+                  Second const (&second)[9]) {
+    Value json = Value::array();
+    for (int i = 0; i < 9; ++i) {
+        Value pair = Value::object();
+        pair[firstKey] = ToJson(first[i]);
+        pair[secondKey] = ToJson(second[i]);
+        json.append(pair);
+    }
+    return json;
+}
+
+template <typename First, typename Second>
+void PairsFromJson(Value const& json, char const* firstKey, First (&first)[9], char const* secondKey,
+                   Second (&second)[9]) {
+    for (int i = 0; i < 9; ++i) {
+        Read(json[i][firstKey], &first[i]);
+        Read(json[i][secondKey], &second[i]);
+    }
+}
+
+Field<R2XC_Value, double> const kR2XCValue[] = {
+    {"X", &R2XC_Value::X}, {"Y", &R2XC_Value::Y}, {"Z", &R2XC_Value::Z},
+    {"R", &R2XC_Value::R}, {"G", &R2XC_Value::G}, {"B", &R2XC_Value::B},
+};
+Field<R2XC_ValueRGB, R2XC_Value> const kValueRGB[] = {
+    {"red", &R2XC_ValueRGB::red}, {"green", &R2XC_ValueRGB::green}, {"blue", &R2XC_ValueRGB::blue}};
+Field<R2XC_ValueRGBK, R2XC_Value> const kValueRGBK[] = {{"red", &R2XC_ValueRGBK::red},
+                                                        {"green", &R2XC_ValueRGBK::green},
+                                                        {"blue", &R2XC_ValueRGBK::blue},
+                                                        {"black", &R2XC_ValueRGBK::black}};
+Field<R2XC_RefParam, double> const kRefTemperatures[] = {
+    {"ambientTemperature", &R2XC_RefParam::ambientTemperature},
+    {"setTemperature", &R2XC_RefParam::setTemperature}};
+Field<R2XC_RefParam, double> const kRefTone[] = {{"red", &R2XC_RefParam::toneRed},
+                                                 {"green", &R2XC_RefParam::toneGreen},
+                                                 {"blue", &R2XC_RefParam::toneBlue}};
+
+Field<KMCAL_G2XYZcnt, double> const kG2XYZcnt[] = {
+    {"X", &KMCAL_G2XYZcnt::X}, {"Y", &KMCAL_G2XYZcnt::Y}, {"Z", &KMCAL_G2XYZcnt::Z}};
+Field<KMCAL_StdXYZ, double> const kStdXYZ[] = {
+    {"X", &KMCAL_StdXYZ::X}, {"Y", &KMCAL_StdXYZ::Y}, {"Z", &KMCAL_StdXYZ::Z}};
+Field<KMCAL_G2RGBems, double> const kG2RGBems[] = {
+    {"R", &KMCAL_G2RGBems::R}, {"G", &KMCAL_G2RGBems::G}, {"B", &KMCAL_G2RGBems::B}};
+
 // The five patches of KMCAL_MEASDATA_USERPROOF in record order: black before white.
-char const* const kPatchKeys[5] = {"red", "green", "blue", "black", "white"};
+using MeasData = KMCAL_MEASDATA_USERPROOF;
+Field<MeasData, KMCAL_StdXYZ> const kReferencePatches[] = {
+    {"red", &MeasData::referenceRed},     {"green", &MeasData::referenceGreen},
+    {"blue", &MeasData::referenceBlue},   {"black", &MeasData::referenceBlack},
+    {"white", &MeasData::referenceWhite},
+};
+Field<MeasData, KMCAL_G2XYZcnt> const kMeasuredPatches[] = {
+    {"red", &MeasData::XYZRed},     {"green", &MeasData::XYZGreen}, {"blue", &MeasData::XYZBlue},
+    {"black", &MeasData::XYZBlack}, {"white", &MeasData::XYZWhite},
+};
 
 } // namespace
 
 // ---- first generation ----
 
 Value ToJson(R2XC_Value const& v) {
-    Value json = XYZToJson(v);
-    json["R"] = v.R;
-    json["G"] = v.G;
-    json["B"] = v.B;
-    return json;
+    return FieldsToJson(v, kR2XCValue);
 }
 
 Value ToJson(R2XC_ValueRGB const& v) {
-    Value json = Value::object();
-    json["red"] = ToJson(v.red);
-    json["green"] = ToJson(v.green);
-    json["blue"] = ToJson(v.blue);
-    return json;
+    return FieldsToJson(v, kValueRGB);
 }
 
 Value ToJson(R2XC_ValueRGBK const& v) {
-    Value json = Value::object();
-    json["red"] = ToJson(v.red);
-    json["green"] = ToJson(v.green);
-    json["blue"] = ToJson(v.blue);
-    json["black"] = ToJson(v.black);
-    return json;
+    return FieldsToJson(v, kValueRGBK);
 }
 
 Value ToJson(R2XC_RefParam const& v) {
-    Value json = Value::object();
-    json["ambientTemperature"] = v.ambientTemperature;
-    json["setTemperature"] = v.setTemperature;
+    Value json = FieldsToJson(v, kRefTemperatures);
     json["dimmerOut"] = v.dimmerOut;
-    Value tone = Value::object();
-    tone["red"] = v.toneRed;
-    tone["green"] = v.toneGreen;
-    tone["blue"] = v.toneBlue;
-    json["tone"] = tone;
+    json["tone"] = FieldsToJson(v, kRefTone);
     return json;
 }
 
@@ -92,39 +169,21 @@ Value ToJson(MDIFSv3CorrelationData const& v) {
 }
 
 R2XC_Value R2XC_ValueFromJson(Value const& json) {
-    R2XC_Value v = XYZFromJson<R2XC_Value>(json);
-    v.R = JsonToDouble(json["R"]);
-    v.G = JsonToDouble(json["G"]);
-    v.B = JsonToDouble(json["B"]);
-    return v;
+    return RecordFromJson(json, kR2XCValue);
 }
 
 R2XC_ValueRGB R2XC_ValueRGBFromJson(Value const& json) {
-    R2XC_ValueRGB v = Zeroed<R2XC_ValueRGB>();
-    v.red = R2XC_ValueFromJson(json["red"]);
-    v.green = R2XC_ValueFromJson(json["green"]);
-    v.blue = R2XC_ValueFromJson(json["blue"]);
-    return v;
+    return RecordFromJson(json, kValueRGB);
 }
 
 R2XC_ValueRGBK R2XC_ValueRGBKFromJson(Value const& json) {
-    R2XC_ValueRGBK v = Zeroed<R2XC_ValueRGBK>();
-    v.red = R2XC_ValueFromJson(json["red"]);
-    v.green = R2XC_ValueFromJson(json["green"]);
-    v.blue = R2XC_ValueFromJson(json["blue"]);
-    v.black = R2XC_ValueFromJson(json["black"]);
-    return v;
+    return RecordFromJson(json, kValueRGBK);
 }
 
 R2XC_RefParam R2XC_RefParamFromJson(Value const& json) {
-    R2XC_RefParam v = Zeroed<R2XC_RefParam>();
-    v.ambientTemperature = JsonToDouble(json["ambientTemperature"]);
-    v.setTemperature = JsonToDouble(json["setTemperature"]);
+    R2XC_RefParam v = RecordFromJson(json, kRefTemperatures);
     v.dimmerOut = JsonToInt32(json["dimmerOut"]);
-    Value const& tone = json["tone"];
-    v.toneRed = JsonToDouble(tone["red"]);
-    v.toneGreen = JsonToDouble(tone["green"]);
-    v.toneBlue = JsonToDouble(tone["blue"]);
+    FieldsFromJson(json["tone"], kRefTone, &v);
     return v;
 }
 
@@ -154,19 +213,15 @@ MDIFSv3CorrelationData MDIFSv3CorrelationDataFromJson(Value const& json) {
 // ---- second generation ----
 
 Value ToJson(KMCAL_G2XYZcnt const& v) {
-    return XYZToJson(v);
+    return FieldsToJson(v, kG2XYZcnt);
 }
 
 Value ToJson(KMCAL_StdXYZ const& v) {
-    return XYZToJson(v);
+    return FieldsToJson(v, kStdXYZ);
 }
 
 Value ToJson(KMCAL_G2RGBems const& v) {
-    Value json = Value::object();
-    json["R"] = v.R;
-    json["G"] = v.G;
-    json["B"] = v.B;
-    return json;
+    return FieldsToJson(v, kG2RGBems);
 }
 
 Value ToJson(KMCAL_CALDATA_USERPROOF const& v) {
@@ -179,41 +234,18 @@ Value ToJson(KMCAL_CALDATA_USERPROOF const& v) {
 }
 
 Value ToJson(KMCAL_MEASDATA_USERPROOF const& v) {
-    KMCAL_StdXYZ const* const references[5] = {&v.referenceRed, &v.referenceGreen, &v.referenceBlue,
-                                               &v.referenceBlack, &v.referenceWhite};
-    KMCAL_G2XYZcnt const* const counts[5] = {&v.XYZRed, &v.XYZGreen, &v.XYZBlue, &v.XYZBlack, &v.XYZWhite};
-    Value reference = Value::object();
-    Value xyz = Value::object();
-    for (int i = 0; i < 5; ++i) {
-        reference[kPatchKeys[i]] = ToJson(*references[i]);
-        xyz[kPatchKeys[i]] = ToJson(*counts[i]);
-    }
     Value json = Value::object();
-    json["reference"] = reference;
-    json["XYZ"] = xyz;
+    json["reference"] = FieldsToJson(v, kReferencePatches);
+    json["XYZ"] = FieldsToJson(v, kMeasuredPatches);
     return json;
 }
 
 Value ToJson(KMCAL_CALDATA_CORRECT const& v) {
-    Value json = Value::array();
-    for (int i = 0; i < 9; ++i) {
-        Value pair = Value::object();
-        pair["reference"] = ToJson(v.reference[i]);
-        pair["XYZ"] = ToJson(v.XYZ[i]);
-        json.append(pair);
-    }
-    return json;
+    return PairsToJson("reference", v.reference, "XYZ", v.XYZ);
 }
 
 Value ToJson(KMCAL_MEASDATA_CORRECT_GRAY const& v) {
-    Value json = Value::array();
-    for (int i = 0; i < 9; ++i) {
-        Value pair = Value::object();
-        pair["reference"] = ToJson(v.reference[i]);
-        pair["RGB"] = ToJson(v.RGB[i]);
-        json.append(pair);
-    }
-    return json;
+    return PairsToJson("reference", v.reference, "RGB", v.RGB);
 }
 
 Value ToJson(MDCSSG2CalibrationData const& v) {
@@ -254,19 +286,15 @@ Value ToJson(MDCSSG2CorrelationDataEx const& v) {
 }
 
 KMCAL_G2XYZcnt KMCAL_G2XYZcntFromJson(Value const& json) {
-    return XYZFromJson<KMCAL_G2XYZcnt>(json);
+    return RecordFromJson(json, kG2XYZcnt);
 }
 
 KMCAL_StdXYZ KMCAL_StdXYZFromJson(Value const& json) {
-    return XYZFromJson<KMCAL_StdXYZ>(json);
+    return RecordFromJson(json, kStdXYZ);
 }
 
 KMCAL_G2RGBems KMCAL_G2RGBemsFromJson(Value const& json) {
-    KMCAL_G2RGBems v = Zeroed<KMCAL_G2RGBems>();
-    v.R = JsonToDouble(json["R"]);
-    v.G = JsonToDouble(json["G"]);
-    v.B = JsonToDouble(json["B"]);
-    return v;
+    return RecordFromJson(json, kG2RGBems);
 }
 
 KMCAL_CALDATA_USERPROOF KMCAL_CALDATA_USERPROOFFromJson(Value const& json) {
@@ -279,34 +307,20 @@ KMCAL_CALDATA_USERPROOF KMCAL_CALDATA_USERPROOFFromJson(Value const& json) {
 }
 
 KMCAL_MEASDATA_USERPROOF KMCAL_MEASDATA_USERPROOFFromJson(Value const& json) {
-    KMCAL_MEASDATA_USERPROOF v = Zeroed<KMCAL_MEASDATA_USERPROOF>();
-    KMCAL_StdXYZ* const references[5] = {&v.referenceRed, &v.referenceGreen, &v.referenceBlue,
-                                         &v.referenceBlack, &v.referenceWhite};
-    KMCAL_G2XYZcnt* const counts[5] = {&v.XYZRed, &v.XYZGreen, &v.XYZBlue, &v.XYZBlack, &v.XYZWhite};
-    Value const& reference = json["reference"];
-    Value const& xyz = json["XYZ"];
-    for (int i = 0; i < 5; ++i) {
-        *references[i] = KMCAL_StdXYZFromJson(reference[kPatchKeys[i]]);
-        *counts[i] = KMCAL_G2XYZcntFromJson(xyz[kPatchKeys[i]]);
-    }
+    KMCAL_MEASDATA_USERPROOF v = RecordFromJson(json["reference"], kReferencePatches);
+    FieldsFromJson(json["XYZ"], kMeasuredPatches, &v);
     return v;
 }
 
 KMCAL_CALDATA_CORRECT KMCAL_CALDATA_CORRECTFromJson(Value const& json) {
     KMCAL_CALDATA_CORRECT v = Zeroed<KMCAL_CALDATA_CORRECT>();
-    for (int i = 0; i < 9; ++i) {
-        v.reference[i] = KMCAL_G2XYZcntFromJson(json[i]["reference"]);
-        v.XYZ[i] = KMCAL_StdXYZFromJson(json[i]["XYZ"]);
-    }
+    PairsFromJson(json, "reference", v.reference, "XYZ", v.XYZ);
     return v;
 }
 
 KMCAL_MEASDATA_CORRECT_GRAY KMCAL_MEASDATA_CORRECT_GRAYFromJson(Value const& json) {
     KMCAL_MEASDATA_CORRECT_GRAY v = Zeroed<KMCAL_MEASDATA_CORRECT_GRAY>();
-    for (int i = 0; i < 9; ++i) {
-        v.reference[i] = KMCAL_StdXYZFromJson(json[i]["reference"]);
-        v.RGB[i] = KMCAL_G2RGBemsFromJson(json[i]["RGB"]);
-    }
+    PairsFromJson(json, "reference", v.reference, "RGB", v.RGB);
     return v;
 }
 
