@@ -28,7 +28,7 @@ int32_t ObserverKey(Value const& request) {
 BridgeResult SensorCorrection::Put(BridgeData const& data) {
     void* device = GetMDHandle(data, &uri, "Correction");
     Value const& request = data.data;
-    std::string const type = request["type"].toString("");
+    std::string const type = StringOrEmpty(request["type"]);
     if (type == "emission") {
         int32_t const observerKey = ObserverKey(request);
         Value const& product = request["product"];
@@ -70,8 +70,11 @@ BridgeResult SensorExCorrection::Get(BridgeData const& data) {
         for (uint32_t index = 0; index < count; ++index) {
             uint32_t size = 0;
             BridgeCheckDvError(MDGetExCorrectionName(device, index, nullptr, &size), "Get correction name.");
-            // A fixed buffer, whatever size the first call reported.
+            // A fixed buffer, whatever size the first call reported; the size
+            // handed on never exceeds it, so a longer name fails instead of
+            // overrunning the buffer.
             char buffer[256] = {};
+            if (size > sizeof buffer) size = sizeof buffer;
             BridgeCheckDvError(MDGetExCorrectionName(device, index, buffer, &size), "Get correction name.");
             names.append(Value(std::string(buffer, strnlen(buffer, sizeof buffer))));
         }

@@ -50,6 +50,12 @@ inline std::string Text(char const* s) {
     return s != nullptr ? std::string(s) : std::string();
 }
 
+// A string parameter of a request: its text, or the empty text when it is
+// missing or of another type (a number is not read as its digits).
+inline std::string StringOrEmpty(quilljson::Value const& v) {
+    return v.isString() ? v.stringRef() : std::string();
+}
+
 } // namespace detail
 } // namespace bridge
 } // namespace tovel

@@ -53,7 +53,7 @@ BridgeResult Sensor::Delete(BridgeData const& data) {
     threading::MutexLocker locker(cache.mutex());
     void* device = GetMDHandle(data, &uri, "");
     if (device != nullptr) {
-        cache.unregisterHandle(data.parameters["id"].toString(""));
+        cache.unregisterHandle(StringOrEmpty(data.parameters["id"]));
         MDClose(&device);
     }
     return BridgeResultOK(Value());

@@ -58,7 +58,7 @@ BridgeResult SensorParameterDescription::Put(BridgeData const& data) {
     Value const& reference = data.data["referenceSensor"];
     description.referenceDeviceID = static_cast<MDDeviceID>(reference["deviceID"].asInteger());
     // At most the field's 32 bytes; a serial that fills it has no terminator.
-    std::string const serial = reference["serial"].toString("");
+    std::string const serial = StringOrEmpty(reference["serial"]);
     std::memcpy(description.referenceSerial, serial.data(),
                 std::min(serial.size(), sizeof description.referenceSerial));
 
