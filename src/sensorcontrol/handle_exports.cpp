@@ -38,6 +38,46 @@ void Log(tovel::LorvantLevel level, char const* sentence) {
     tovel::MirelLogger::Instance().log(level, sentence);
 }
 
+// Under the registry lock, the first handle in id order that matches: written
+// to *handle (when given) with 0, or "Not registered." when none does.
+template <typename Match> int32_t FirstSensorWhere(void** handle, Match matches) {
+    try {
+        SensorCache& cache = SensorCache::Instance();
+        threading::MutexLocker locker(cache.mutex());
+        for (auto const& entry : cache.handles()) {
+            if (!matches(entry.second.handle)) continue;
+            if (handle != nullptr) *handle = entry.second.handle;
+            return kOK;
+        }
+        return kNotRegistered;
+    } catch (...) {
+        return kFailed;
+    }
+}
+
+// The frame of the monitor-update pair: finds the monitor's HID handle (a
+// negative code is passed on, an unknown monitor is nothing to do), then, under
+// the registry lock, runs action(entry, hid) for every sensor registered with
+// exactly this product and serial.
+template <typename Action>
+int32_t ForEachSensorOfMonitor(char const* product, char const* serial, Action action) {
+    if (product == nullptr || serial == nullptr) return kInvalidArgument;
+    try {
+        void* hid = nullptr;
+        int32_t const found = MonitorHIDHandle(product, serial, &hid);
+        if (found < 0) return found;
+        if (hid == nullptr) return kOK;
+
+        SensorCache& cache = SensorCache::Instance();
+        threading::MutexLocker locker(cache.mutex());
+        for (auto& entry : cache.handles())
+            if (SameMonitor(entry.second, product, serial)) action(entry.second, hid);
+        return kOK;
+    } catch (...) {
+        return kFailed;
+    }
+}
+
 } // namespace
 
 extern "C" {
@@ -55,34 +95,15 @@ bool SensorControlGetHandleForID(char const* id, void** handle) {
 
 int32_t MirelGetHandleForHIDHandle(uint64_t hidHandle, void** handle) {
     if (hidHandle == 0) return kNotRegistered;
-    try {
-        SensorCache& cache = SensorCache::Instance();
-        threading::MutexLocker locker(cache.mutex());
-        for (auto const& entry : cache.handles()) {
-            if (reinterpret_cast<uintptr_t>(MDGetHIDHandle(entry.second.handle)) != hidHandle) continue;
-            if (handle != nullptr) *handle = entry.second.handle;
-            return kOK;
-        }
-        return kNotRegistered;
-    } catch (...) {
-        return kFailed;
-    }
+    return FirstSensorWhere(handle, [hidHandle](void* entry) {
+        return reinterpret_cast<uintptr_t>(MDGetHIDHandle(entry)) == hidHandle;
+    });
 }
 
 int32_t MirelGetHandleForDeviceID(int32_t deviceID, void** handle) {
     if (deviceID == 0) return kNotRegistered;
-    try {
-        SensorCache& cache = SensorCache::Instance();
-        threading::MutexLocker locker(cache.mutex());
-        for (auto const& entry : cache.handles()) {
-            if (static_cast<int32_t>(MDGetDeviceID(entry.second.handle)) != deviceID) continue;
-            if (handle != nullptr) *handle = entry.second.handle;
-            return kOK;
-        }
-        return kNotRegistered;
-    } catch (...) {
-        return kFailed;
-    }
+    return FirstSensorWhere(
+        handle, [deviceID](void* entry) { return static_cast<int32_t>(MDGetDeviceID(entry)) == deviceID; });
 }
 
 int32_t MirelRemoveSensor(void* handle) {
@@ -101,55 +122,27 @@ int32_t MirelRemoveSensor(void* handle) {
 }
 
 int32_t MirelPreUpdateBuiltInSensorHandle(char const* product, char const* serial) {
-    if (product == nullptr || serial == nullptr) return kInvalidArgument;
-    try {
-        void* hid = nullptr;
-        int32_t const found = MonitorHIDHandle(product, serial, &hid);
-        if (found < 0) return found;
-        if (hid == nullptr) return kOK;
-
-        SensorCache& cache = SensorCache::Instance();
-        threading::MutexLocker locker(cache.mutex());
-        // The entries stay, so that their ids are valid again after the update.
-        for (auto& entry : cache.handles()) {
-            if (!SameMonitor(entry.second, product, serial)) continue;
-            if (MDClose(&entry.second.handle).code < 0) {
-                Log(tovel::LorvantLevelError, "Failed to close sensor on pre update built-in sensor handle.");
-            } else {
-                entry.second.handle = nullptr;
-                Log(tovel::LorvantLevelInfo, "Close sensor on pre update built-in sensor handle.");
-            }
+    // The entries stay, so that their ids are valid again after the update.
+    return ForEachSensorOfMonitor(product, serial, [](tovel::device::SensorHandle& entry, void*) {
+        if (MDClose(&entry.handle).code < 0) {
+            Log(tovel::LorvantLevelError, "Failed to close sensor on pre update built-in sensor handle.");
+        } else {
+            entry.handle = nullptr;
+            Log(tovel::LorvantLevelInfo, "Close sensor on pre update built-in sensor handle.");
         }
-        return kOK;
-    } catch (...) {
-        return kFailed;
-    }
+    });
 }
 
 int32_t MirelUpdateBuiltInSensorHandle(char const* product, char const* serial) {
-    if (product == nullptr || serial == nullptr) return kInvalidArgument;
-    try {
-        void* hid = nullptr;
-        int32_t const found = MonitorHIDHandle(product, serial, &hid);
-        if (found < 0) return found;
-        if (hid == nullptr) return kOK;
-
-        SensorCache& cache = SensorCache::Instance();
-        threading::MutexLocker locker(cache.mutex());
-        for (auto& entry : cache.handles()) {
-            if (!SameMonitor(entry.second, product, serial)) continue;
-            void* reopened = nullptr;
-            if (MDOpenWithHIDHandle(hid, &reopened).code < 0) {
-                Log(tovel::LorvantLevelError, "Failed to open sensor on update built-in sensor handle.");
-            } else {
-                entry.second.handle = reopened;
-                Log(tovel::LorvantLevelInfo, "Reopen sensor on update built-in sensor handle.");
-            }
+    return ForEachSensorOfMonitor(product, serial, [](tovel::device::SensorHandle& entry, void* hid) {
+        void* reopened = nullptr;
+        if (MDOpenWithHIDHandle(hid, &reopened).code < 0) {
+            Log(tovel::LorvantLevelError, "Failed to open sensor on update built-in sensor handle.");
+        } else {
+            entry.handle = reopened;
+            Log(tovel::LorvantLevelInfo, "Reopen sensor on update built-in sensor handle.");
         }
-        return kOK;
-    } catch (...) {
-        return kFailed;
-    }
+    });
 }
 
 int32_t MirelEnumConnectedSerialSensors(uint32_t index, int32_t* deviceID) {
