@@ -156,7 +156,9 @@ struct Monitor {
     bool firstGeneration() const { return (sensor.deviceID | 1u) == 0x131u; }
 };
 
-struct CorrelationEntry {
+// What both databases keep of an entry: its id, the sensor and the reference
+// sensor it was made with, the monitor and the date.
+struct DatabaseEntry {
     uint64_t id = 0;
     uint32_t deviceID = 0;
     std::string serial;
@@ -166,24 +168,18 @@ struct CorrelationEntry {
     std::string monitorSerial;
     uint16_t panelRevision = 0;
     std::optional<CSSG2_Date> date;
+};
+
+struct CorrelationEntry : DatabaseEntry {
     bool firstGeneration = false; // which record below is held
     MDIFSv3CorrelationData ifsv3{};
     MDCSSG2CorrelationDataEx cssg2{};
 };
 
-struct MatrixEntry {
-    uint64_t id = 0;
-    uint32_t deviceID = 0;
-    std::string serial;
-    uint32_t referenceDeviceID = 0;
-    std::string referenceSerial;
-    std::string monitorProduct;
-    std::string monitorSerial;
-    uint16_t panelRevision = 0;
+struct MatrixEntry : DatabaseEntry {
     int32_t dataPage = 0;
     uint64_t correlationID = 0;
     double matrix[9] = {};
-    std::optional<CSSG2_Date> date;
 };
 
 struct CompatibilityProcess {

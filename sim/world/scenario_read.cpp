@@ -351,23 +351,28 @@ Identity readIdentity(Fields& parent, char const* key) {
     return Identity{static_cast<uint32_t>(f.integer("deviceID", 0, 0, UINT32_MAX)), f.text("serial", "")};
 }
 
+// The keys both databases share: id, sensor, referenceSensor, monitor, date.
+void readDatabaseEntry(Fields& f, DatabaseEntry* e) {
+    e->id = f.hex("id", 0);
+    Identity const sensor = readIdentity(f, "sensor");
+    e->deviceID = sensor.deviceID;
+    e->serial = sensor.serial;
+    Identity const reference = readIdentity(f, "referenceSensor");
+    e->referenceDeviceID = reference.deviceID;
+    e->referenceSerial = reference.serial;
+    {
+        Fields m(f.any("monitor"), f.path("monitor"));
+        e->monitorProduct = m.text("product", "");
+        e->monitorSerial = m.text("serial", "");
+        e->panelRevision = static_cast<uint16_t>(m.integer("panelRevision", 0, 0, 65535));
+    }
+    e->date = readOptionalDate(f, "date");
+}
+
 CorrelationEntry readCorrelationEntry(Value const& json, std::string const& path) {
     Fields f(json, path);
     CorrelationEntry e;
-    e.id = f.hex("id", 0);
-    Identity const sensor = readIdentity(f, "sensor");
-    e.deviceID = sensor.deviceID;
-    e.serial = sensor.serial;
-    Identity const reference = readIdentity(f, "referenceSensor");
-    e.referenceDeviceID = reference.deviceID;
-    e.referenceSerial = reference.serial;
-    {
-        Fields m(f.any("monitor"), f.path("monitor"));
-        e.monitorProduct = m.text("product", "");
-        e.monitorSerial = m.text("serial", "");
-        e.panelRevision = static_cast<uint16_t>(m.integer("panelRevision", 0, 0, 65535));
-    }
-    e.date = readOptionalDate(f, "date");
+    readDatabaseEntry(f, &e);
     std::string const kind = f.text("kind", (e.deviceID | 1u) == 0x131u ? "IFSv3" : "CSSG2");
     if (kind != "IFSv3" && kind != "CSSG2") f.fail("kind", "\"IFSv3\" or \"CSSG2\"");
     e.firstGeneration = kind == "IFSv3";
@@ -382,23 +387,10 @@ CorrelationEntry readCorrelationEntry(Value const& json, std::string const& path
 MatrixEntry readMatrixEntry(Value const& json, std::string const& path) {
     Fields f(json, path);
     MatrixEntry e;
-    e.id = f.hex("id", 0);
-    Identity const sensor = readIdentity(f, "sensor");
-    e.deviceID = sensor.deviceID;
-    e.serial = sensor.serial;
-    Identity const reference = readIdentity(f, "referenceSensor");
-    e.referenceDeviceID = reference.deviceID;
-    e.referenceSerial = reference.serial;
-    {
-        Fields m(f.any("monitor"), f.path("monitor"));
-        e.monitorProduct = m.text("product", "");
-        e.monitorSerial = m.text("serial", "");
-        e.panelRevision = static_cast<uint16_t>(m.integer("panelRevision", 0, 0, 65535));
-    }
+    readDatabaseEntry(f, &e);
     e.dataPage = static_cast<int32_t>(f.integer("dataPage", 0, INT32_MIN, INT32_MAX));
     e.correlationID = f.hex("correlationID", 0);
     if (!f.any("matrix").isNull()) readReals(f.any("matrix"), f.path("matrix"), e.matrix, 9);
-    e.date = readOptionalDate(f, "date");
     return e;
 }
 

@@ -37,6 +37,17 @@ Value rows(double const* values, size_t count) {
     return j;
 }
 
+// A correlation or matrix stored in a sensor: the keys the two kinds share.
+template <typename Stored> Value storedEntry(Stored const& s) {
+    Value e = Value::object();
+    e["id"] = static_cast<unsigned long>(s.id);
+    e["referenceDeviceID"] = s.referenceDeviceID;
+    e["referenceSerial"] = s.referenceSerial;
+    e["monitorProduct"] = s.monitorProduct;
+    e["monitorSerial"] = s.monitorSerial;
+    return e;
+}
+
 Value writeDevice(Device const& d) {
     Value j = Value::object();
     j["deviceID"] = d.deviceID;
@@ -91,15 +102,8 @@ Value writeDevice(Device const& d) {
     j["measurement"]["rawXYZ"] = xyz(d.rawXYZReading);
     j["measurement"]["rawData"] = toJson(d.rawData.data(), d.rawData.size());
     j["correlationCorrections"] = Value::array();
-    for (auto const& s : d.correlationCorrections) {
-        Value e = Value::object();
-        e["id"] = static_cast<unsigned long>(s.id);
-        e["referenceDeviceID"] = s.referenceDeviceID;
-        e["referenceSerial"] = s.referenceSerial;
-        e["monitorProduct"] = s.monitorProduct;
-        e["monitorSerial"] = s.monitorSerial;
-        j["correlationCorrections"].append(e);
-    }
+    for (auto const& s : d.correlationCorrections)
+        j["correlationCorrections"].append(storedEntry(s));
     j["appliedCorrelationCorrection"] =
         d.appliedCorrelationCorrection ? Value(static_cast<unsigned long>(*d.appliedCorrelationCorrection))
                                        : Value();
@@ -113,12 +117,7 @@ Value writeDevice(Device const& d) {
     j["ninePointsCorrection"] = d.ninePointsCorrection;
     j["correlationMatrices"] = Value::array();
     for (auto const& s : d.correlationMatrices) {
-        Value e = Value::object();
-        e["id"] = static_cast<unsigned long>(s.id);
-        e["referenceDeviceID"] = s.referenceDeviceID;
-        e["referenceSerial"] = s.referenceSerial;
-        e["monitorProduct"] = s.monitorProduct;
-        e["monitorSerial"] = s.monitorSerial;
+        Value e = storedEntry(s);
         e["panelRevision"] = s.panelRevision;
         e["matrix"] = toJson(s.matrix, 9);
         j["correlationMatrices"].append(e);
@@ -185,19 +184,17 @@ Value writeMonitor(Monitor const& m) {
     return j;
 }
 
-void writeEntryKeys(Value& j, uint64_t id, uint32_t deviceID, std::string const& serial,
-                    uint32_t referenceDeviceID, std::string const& referenceSerial,
-                    std::string const& product, std::string const& monitorSerial, uint16_t panelRevision,
-                    std::optional<CSSG2_Date> const& date) {
-    j["id"] = static_cast<unsigned long>(id);
-    j["sensor"]["deviceID"] = deviceID;
-    j["sensor"]["serial"] = serial;
-    j["referenceSensor"]["deviceID"] = referenceDeviceID;
-    j["referenceSensor"]["serial"] = referenceSerial;
-    j["monitor"]["product"] = product;
-    j["monitor"]["serial"] = monitorSerial;
-    j["monitor"]["panelRevision"] = panelRevision;
-    j["date"] = optionalDate(date);
+// The keys both databases share.
+void writeDatabaseEntry(Value& j, DatabaseEntry const& e) {
+    j["id"] = static_cast<unsigned long>(e.id);
+    j["sensor"]["deviceID"] = e.deviceID;
+    j["sensor"]["serial"] = e.serial;
+    j["referenceSensor"]["deviceID"] = e.referenceDeviceID;
+    j["referenceSensor"]["serial"] = e.referenceSerial;
+    j["monitor"]["product"] = e.monitorProduct;
+    j["monitor"]["serial"] = e.monitorSerial;
+    j["monitor"]["panelRevision"] = e.panelRevision;
+    j["date"] = optionalDate(e.date);
 }
 
 } // namespace
@@ -234,8 +231,7 @@ Value writeScenario(World const& w) {
     j["correlationDatabase"] = Value::array();
     for (auto const& e : w.correlationDatabase) {
         Value v = Value::object();
-        writeEntryKeys(v, e.id, e.deviceID, e.serial, e.referenceDeviceID, e.referenceSerial,
-                       e.monitorProduct, e.monitorSerial, e.panelRevision, e.date);
+        writeDatabaseEntry(v, e);
         v["kind"] = e.firstGeneration ? "IFSv3" : "CSSG2";
         v["correlationData"] = e.firstGeneration ? toJson(e.ifsv3) : toJson(e.cssg2);
         j["correlationDatabase"].append(v);
@@ -243,8 +239,7 @@ Value writeScenario(World const& w) {
     j["matrixDatabase"] = Value::array();
     for (auto const& e : w.matrixDatabase) {
         Value v = Value::object();
-        writeEntryKeys(v, e.id, e.deviceID, e.serial, e.referenceDeviceID, e.referenceSerial,
-                       e.monitorProduct, e.monitorSerial, e.panelRevision, e.date);
+        writeDatabaseEntry(v, e);
         v["dataPage"] = e.dataPage;
         v["correlationID"] = static_cast<unsigned long>(e.correlationID);
         v["matrix"] = toJson(e.matrix, 9);
