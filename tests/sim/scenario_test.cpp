@@ -24,36 +24,25 @@ TEST_F(Scenario, WrittenWorldLoadsBackUnchanged) {
     ASSERT_EQ(0, SimLoadScenario(before.c_str()));
     EXPECT_EQ(before, WorldText());
     EXPECT_EQ(Value(std::string(32, 'S')), World()["devices"][0]["parameterDescription"]["referenceSerial"]);
-}
 
-TEST_F(Scenario, DefaultWorldHoldsTheAgreedNames) {
-    Value const world = World();
-    ASSERT_EQ(3u, world["devices"].size());
-    EXPECT_EQ(Value("Lumetra Spectro 8"), world["devices"][0]["name"]);
-    EXPECT_EQ(Value("00000000A1B2C3D4"), world["devices"][0]["individualID"]);
-    EXPECT_EQ(Value("VX2710"), world["monitors"][0]["product"]);
-    EXPECT_EQ(Value(4098), world["monitors"][1]["hidHandle"]);
-    // Monitor 1 holds no factory set of its own: it defaults to the current one.
-    EXPECT_EQ(world["monitors"][0]["dataSets"]["current"], world["monitors"][0]["dataSets"]["factory"]);
-    EXPECT_NE(world["monitors"][1]["dataSets"]["current"], world["monitors"][1]["dataSets"]["factory"]);
+    // Handles outlive a load while their device remains.
+    void* colori = nullptr;
+    ASSERT_EQ(0, MDOpen(11, &colori).code);
+    LoadEdited([](Value& world) { world["devices"] = Array({world["devices"][0]}); });
+    EXPECT_STREQ("Lumetra Spectro 8", MDGetName(handle));
+    EXPECT_EQ(kNotRegistered, MDCalibrate(colori).code);
 }
 
 TEST_F(Scenario, MissingKeysTakeDefaults) {
-    ASSERT_EQ(0, SimLoadScenario(
-                     "{\"devices\":[{\"deviceID\":5}],\"monitors\":[{\"product\":\"P\",\"serial\":\"S\","
-                     "\"hidHandle\":7}]}"));
+    ASSERT_EQ(0,
+              SimLoadScenario(R"({"devices":[{}],"monitors":[{"product":"P","serial":"S","hidHandle":7}]})"));
     Value const world = World();
-    Value const& device = world["devices"][0];
-    EXPECT_EQ(Value(true), device["usb"]);
-    EXPECT_EQ(Value(true), device["capabilities"]["validConnection"]);
-    EXPECT_EQ(Value("none"), device["correction"]["type"]);
+    EXPECT_EQ(Value(true), world["devices"][0]["usb"]);
     Value const& monitor = world["monitors"][0];
+    EXPECT_EQ(Value(false), monitor["sensor"]["usb"]); // a built-in sensor is not on the bus
     EXPECT_TRUE(monitor["hzePriority"].isNull());
-    EXPECT_EQ(Value(false), monitor["sensor"]["usb"]);
-    EXPECT_EQ(Value("current"), monitor["selectedDataSet"]);
-    EXPECT_TRUE(monitor["dataSets"]["current"]["description"].isNull());
-    EXPECT_EQ(0, SimLoadScenario("{}"));
-    EXPECT_EQ(0u, World()["devices"].size());
+    EXPECT_EQ(monitor["dataSets"]["current"], monitor["dataSets"]["factory"]);
+    EXPECT_EQ(2u, monitor["dataSets"].size());
 }
 
 TEST_F(Scenario, BadScenarioLeavesTheWorldAsItWas) {

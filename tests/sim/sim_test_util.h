@@ -20,15 +20,9 @@ namespace simtest {
 using quilljson::Value;
 
 constexpr int32_t kInvalidArgument = static_cast<int32_t>(0x80000001u);
-constexpr int32_t kInvalidBufferSize = static_cast<int32_t>(0x80000003u);
 constexpr int32_t kNotRegistered = static_cast<int32_t>(0x80000005u);
-constexpr int32_t kUnsupported = static_cast<int32_t>(0x80000007u);
 constexpr int32_t kInvalidData = static_cast<int32_t>(0x8000001Au);
-constexpr int32_t kOutOfRange = static_cast<int32_t>(0x8000000Au);
 constexpr int32_t kNoMoreData = static_cast<int32_t>(0x8000000Bu);
-constexpr int32_t kMonitorConnection = static_cast<int32_t>(0x80010001u);
-constexpr int32_t kSensorConnection = static_cast<int32_t>(0x80010002u);
-constexpr int32_t kMonitorOwned = static_cast<int32_t>(0x8001000Au);
 
 inline std::string ReadFile(std::string const& path) {
     std::ifstream file(path);

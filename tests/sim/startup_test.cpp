@@ -59,33 +59,18 @@ Value WorldOf(std::string const& text) {
     return World();
 }
 
-TEST(Startup, WithoutScenarioTheDefaultFileIsTheWorld) {
-    std::string errors;
-    Value const started = StartChild("", &errors);
-    EXPECT_EQ(WorldOf(ScenarioText("default.json")), started);
-    EXPECT_EQ("", errors);
-}
-
-TEST(Startup, NamedScenarioFileIsLoaded) {
-    std::string errors;
-    std::string const path = std::string(TEST_SOURCE_DIR) + "/sim/scenarios/monitor_held_elsewhere.json";
-    Value const started = StartChild(path, &errors);
-    EXPECT_EQ(WorldOf(ReadFile(path)), started);
-    EXPECT_EQ("", errors);
-}
-
-TEST(Startup, BadScenarioFileIsReportedOnceAndTheDefaultUsed) {
-    char path[] = "/tmp/sensorsim-bad-XXXXXX";
-    int fd = mkstemp(path);
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(11, write(fd, "{\"devices\":", 11));
-    close(fd);
-    std::string errors;
-    Value const started = StartChild(path, &errors);
-    unlink(path);
-    EXPECT_EQ(WorldOf(ScenarioText("default.json")), started);
-    EXPECT_NE(std::string::npos, errors.find(path)) << errors;
-    EXPECT_EQ(1, std::count(errors.begin(), errors.end(), '\n')) << errors;
+TEST(Startup, TheNamedScenarioFileOrElseTheDefaultIsTheWorld) {
+    std::string const named = std::string(TEST_SOURCE_DIR) + "/sim/scenarios/monitor_held_elsewhere.json";
+    std::string const bad = std::string(TEST_SOURCE_DIR) + "/sim/README.md";
+    for (std::string const& scenario : {std::string(), named, bad}) {
+        SCOPED_TRACE(scenario);
+        std::string errors;
+        Value const started = StartChild(scenario, &errors);
+        EXPECT_EQ(WorldOf(scenario == named ? ReadFile(named) : ScenarioText("default.json")), started);
+        // A file that is no scenario is reported once, with its name.
+        EXPECT_EQ(scenario == bad ? 1 : 0, std::count(errors.begin(), errors.end(), '\n')) << errors;
+        EXPECT_EQ(scenario == bad, errors.find(bad) != std::string::npos) << errors;
+    }
 }
 
 TEST(StartupChild, WritesTheWorldItStartedWith) {
