@@ -88,6 +88,13 @@ TEST_F(Discovery, SerialAdaptersFollowTheHostsMappings) {
     EXPECT_EQ(R"([{"deviceID":15},{"deviceID":1},{"deviceID":21}])", SerialConnected());
     Map(R"("none")");
     EXPECT_EQ("[]", SerialConnected());
+
+    // A bus that cannot be read lists nothing.
+    Map(R"({"usbserial-LX21A":21})");
+    quilljson::Value world = host::World();
+    world["usb"]["snapshotFails"] = true;
+    host::LoadScenario(Serializer::toText(world));
+    EXPECT_EQ("[]", SerialConnected());
 }
 
 // Run in a process of its own whose exports directory lacks the USB library.
@@ -131,12 +138,24 @@ TEST_F(Discovery, LibrarySetUpAndControlPanel) {
               Call(::PallastControlPanel, "PUT").error()["reason"].toString(""));
 }
 
-TEST_F(Discovery, DeleteClosesEverySensor) {
-    std::string const usb = host::OpenByDeviceID(8);
-    host::OpenMonitorSensor("VX2710", "41A00017");
-    host::ClearJournal();
-    EXPECT_EQ("null", Value(Call(::Sensors, "DELETE")));
-    EXPECT_EQ(2u, Count("MDClose"));
-    EXPECT_EQ("[]", Value(Call(::Sensors, "GET")));
-    EXPECT_FALSE(SensorControlGetHandleForID(usb.c_str(), nullptr));
+// Sensors DELETE and TearDown close every sensor; uncollected responses stay.
+TEST_F(Discovery, DeleteAndTearDownCloseEverySensor) {
+    for (bool tearDown : {false, true}) {
+        SCOPED_TRACE(tearDown);
+        std::string const usb = host::OpenByDeviceID(8);
+        host::OpenMonitorSensor("VX2710", "41A00017");
+        uint32_t const pending = ::SensorXYZ("", host::IdParams(usb).c_str(), "", "");
+        host::ClearJournal();
+        if (tearDown)
+            ::TearDown();
+        else
+            EXPECT_EQ("null", Value(Call(::Sensors, "DELETE")));
+        EXPECT_EQ(2u, Count("MDClose"));
+        EXPECT_EQ("[]", Value(Call(::Sensors, "GET")));
+        void* handle = &handle;
+        EXPECT_FALSE(SensorControlGetHandleForID(usb.c_str(), &handle));
+        EXPECT_EQ(nullptr, handle);
+        uint32_t length = 0;
+        EXPECT_EQ(200u, BridgeHelperGetResponse(pending, nullptr, &length));
+    }
 }

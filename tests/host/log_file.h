@@ -1,5 +1,4 @@
-// Reads what the logging stand-in appended to the file named by
-// LORVANT_LOG_FILE (set for the whole test run to a file of its own).
+// Reads the lines the logging stand-in appends to this test run's own log file.
 #pragma once
 
 #include <cstdint>

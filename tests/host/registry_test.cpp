@@ -94,25 +94,18 @@ TEST_F(Registry, RefusedAndFailedOpensRegisterNothing) {
     EXPECT_EQ(std::vector<std::string>(), OpenIDs());
 }
 
-TEST_F(Registry, RequestsResolveOnlyIDsOfOpenSensors) {
-    EXPECT_EQ(400u, Call(::Sensor, "GET").status);
-    EXPECT_EQ(400u, Call(::Sensor, "GET", R"({"id":8})").status); // only a text names a sensor
-    EXPECT_EQ(R"({"error":{"message":"Not found.","name":"Error"},"value":null})",
-              Call(::Sensor, "GET", IdParams("f00")).text);
+TEST_F(Registry, RequestsLookupsAndRemoval) {
+    std::string const usbID = host::OpenByDeviceID(8);
+    void* const usb = HandleOf(usbID);
+    std::string const builtinID = host::OpenMonitorSensor("VX2710", "41A00017");
+    void* const builtin = HandleOf(builtinID);
 
-    std::string const id = host::OpenByDeviceID(8);
-    EXPECT_EQ(200u, Call(::Sensor, "GET", IdParams(id)).status);
+    EXPECT_EQ(400u, Call(::Sensor, "GET", R"({"id":8})").status); // only a text names a sensor
     // A stand-alone sensor has no monitor behind it.
     EXPECT_EQ(
         R"({"error":{"code":2147483648,"message":"Failed.","name":"DvError","reason":"Get HID handle."},)"
         R"("value":null})",
-        Call(::SensorAmbrelSense, "GET", IdParams(id)).text);
-}
-
-TEST_F(Registry, HandleLookupsAndRemoval) {
-    void* const usb = HandleOf(host::OpenByDeviceID(8));
-    std::string const builtinID = host::OpenMonitorSensor("VX2710", "41A00017");
-    void* const builtin = HandleOf(builtinID);
+        Call(::SensorAmbrelSense, "GET", IdParams(usbID)).text);
 
     void* found = &found;
     EXPECT_FALSE(SensorControlGetHandleForID(nullptr, &found));
