@@ -3,17 +3,13 @@
 // process whose exports directory holds the legacy library beside the other
 // stand-ins.
 #include <dirent.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "host/sensor_test_util.h"
-
-extern char** environ;
 
 namespace {
 
@@ -43,21 +39,14 @@ std::string LegacyExportsFolder() {
 TEST(SensorLegacyLibrary, RunsTheChecksWithTheLegacyLibrary) {
     std::string const folder = LegacyExportsFolder();
     ASSERT_FALSE(folder.empty());
-    std::vector<std::string> env;
-    for (char** e = environ; *e != nullptr; ++e)
-        env.push_back(*e);
-    env.push_back("HALVERN_EXPORTS_PATH=" + folder);
-    env.push_back(std::string(kChildFlag) + "=1");
-    std::vector<char*> envp;
-    for (auto& e : env)
-        envp.push_back(&e[0]);
-    envp.push_back(nullptr);
-    std::string self = "/proc/self/exe";
-    std::string filter = "--gtest_filter=SensorLegacyChild.*";
-    char* argv[] = {&self[0], &filter[0], nullptr};
-
-    pid_t pid = 0;
-    ASSERT_EQ(0, posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv, envp.data()));
+    pid_t const pid = fork();
+    if (pid == 0) {
+        setenv("HALVERN_EXPORTS_PATH", folder.c_str(), 1);
+        setenv(kChildFlag, "1", 1);
+        execl("/proc/self/exe", "host_tests", "--gtest_filter=SensorLegacyChild.*",
+              static_cast<char*>(nullptr));
+        _exit(127);
+    }
     int status = 0;
     ASSERT_EQ(pid, waitpid(pid, &status, 0));
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see the child's output above";

@@ -5,32 +5,27 @@
 
 namespace {
 
-using quilljson::Value;
 using namespace sensortest;
 
 class SensorMeasurement : public host::HostTest {};
 
-bool HasXYZ(Value const& v) { return v.size() == 3 && v["X"].isDouble() && v["Y"].isDouble() && v["Z"].isDouble(); }
-
-TEST_F(SensorMeasurement, DeviceAnswersXYZAndRawData) {
+TEST_F(SensorMeasurement, DeviceAnswersXYZRawXYZAndThreeRawValues) {
     std::string id = host::OpenByDeviceID(8);
-    host::Response xyz = host::Call(::SensorXYZ, "GET", host::IdParams(id));
-    ASSERT_EQ(200u, xyz.status) << xyz.text;
-    EXPECT_EQ(2u, xyz.value().size());
-    EXPECT_TRUE(HasXYZ(xyz.value()["XYZ"])) << xyz.text;
-    EXPECT_TRUE(HasXYZ(xyz.value()["rawXYZ"])) << xyz.text;
+    ExpectOK(host::Call(::SensorXYZ, "GET", host::IdParams(id)),
+             Json(R"({"XYZ":{"X":95.0429,"Y":100.0137,"Z":108.8812},
+                      "rawXYZ":{"X":0.950429,"Y":1.000137,"Z":1.088812}})"));
+    ExpectOK(host::Call(::SensorRawData, "GET", host::IdParams(id)),
+             Json(R"({"rawData":[0.3127,0.329,0.2481]})"));
 
-    host::Response raw = host::Call(::SensorRawData, "GET", host::IdParams(id));
-    ASSERT_EQ(200u, raw.status) << raw.text;
-    Value const& values = raw.value()["rawData"];
-    ASSERT_EQ(3u, values.size()) << raw.text;
-    for (auto const& v : values.arrayRef())
-        EXPECT_TRUE(v.isDouble()) << raw.text;
-
-    SimInjectResult("MDMeasureXYZ2", static_cast<int32_t>(0x80010003));
-    ExpectDvError(host::Call(::SensorXYZ, "GET", host::IdParams(id)), 0x80010003, "Measure XYZ.");
-    SimInjectResult("MDMeasureRaw", static_cast<int32_t>(0x80010003));
-    ExpectDvError(host::Call(::SensorRawData, "GET", host::IdParams(id)), 0x80010003, "Measure raw data.");
+    // The mode and the correction set through the endpoints reach the reading.
+    ExpectOK(host::Call(::SensorMode, "PUT", host::IdParams(id), "", R"({"mode":2,"observerKey":1})"),
+             Value());
+    ExpectOK(host::Call(::SensorCorrection, "PUT", host::IdParams(id), "",
+                        R"({"type":"paperWhite","observerKey":1})"),
+             Value());
+    host::Response r = host::Call(::SensorXYZ, "GET", host::IdParams(id));
+    EXPECT_NEAR(100.0137 * 1.02 * 0.997, r.value()["XYZ"]["Y"].getDouble(), 1e-9) << r.text;
+    EXPECT_EQ(Value(1.000137), r.value()["rawXYZ"]["Y"]) << r.text;
 }
 
 TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
@@ -38,50 +33,33 @@ TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
     struct {
         host::Endpoint endpoint;
         char const* function;
-        char const* key;
-        std::vector<char const*> members;
+        char const* value;
     } const cases[] = {
-        {::SensorRGB, "CSSG2H_MeasureRGB", "RGB", {"R", "G", "B"}},
-        {::SensorIR, "CSSG2H_GetIRValue", "IR", {}},
-        {::SensorXYZWithoutCorrelation, "CSSG2H_MeasureNotCorrelatedXYZCount", "XYZ", {"X", "Y", "Z"}},
+        {::SensorRGB, "CSSG2H_MeasureRGB", R"({"RGB":{"R":812.5,"G":904.25,"B":655.75}})"},
+        {::SensorIR, "CSSG2H_GetIRValue", R"({"IR":42.5})"},
+        {::SensorXYZWithoutCorrelation, "CSSG2H_MeasureNotCorrelatedXYZCount",
+         R"({"XYZ":{"X":1520.5,"Y":1610.25,"Z":1733.75}})"},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.function);
         host::ClearJournal();
-        host::Response r = host::Call(c.endpoint, "GET", host::IdParams(id));
-        ASSERT_EQ(200u, r.status) << r.text;
-        ASSERT_EQ(1u, r.value().size()) << r.text;
-        Value const& reading = r.value()[c.key];
-        if (c.members.empty()) {
-            EXPECT_TRUE(reading.isDouble()) << r.text;
-        }
-        for (char const* m : c.members)
-            EXPECT_TRUE(reading[m].isDouble()) << r.text;
-        EXPECT_EQ(c.members.size(), reading.size());
-
+        ExpectOK(host::Call(c.endpoint, "GET", host::IdParams(id)), Json(c.value));
+        EXPECT_EQ(Value(4097), Arg(c.function, 0)) << "the HID handle, not the device handle";
         auto calls = Functions();
         auto lock = std::find(calls.begin(), calls.end(), "DvCtrlLockMonitor");
         auto call = std::find(calls.begin(), calls.end(), c.function);
         auto unlock = std::find(calls.begin(), calls.end(), "DvCtrlUnlockMonitor");
         EXPECT_TRUE(lock < call && call < unlock && unlock != calls.end()) << JournalText();
+        EXPECT_EQ(Value(0), host::World()["monitors"][0]["lockCount"]);
     }
-}
-
-TEST_F(SensorMeasurement, FailedBuiltinReadingReleasesTheMonitor) {
-    std::string id = host::OpenMonitorSensor("VX3220", "52B00042");
-    SimInjectResult("CSSG2H_MeasureRGB", static_cast<int32_t>(0x80010002));
-    ExpectDvError(host::Call(::SensorRGB, "GET", host::IdParams(id)), 0x80010002, "Measure RGB.");
-    EXPECT_TRUE(Called("DvCtrlUnlockMonitor"));
-    SimClearInjections();
-    EXPECT_EQ(200u, host::Call(::SensorRGB, "GET", host::IdParams(id)).status);
 }
 
 TEST_F(SensorMeasurement, StandaloneDeviceHasNoBuiltinReadings) {
     std::string id = host::OpenByDeviceID(8);
+    host::ClearJournal();
     for (host::Endpoint endpoint : {::SensorRGB, ::SensorIR, ::SensorXYZWithoutCorrelation})
         ExpectDvError(host::Call(endpoint, "GET", host::IdParams(id)), kFailed, "Get HID handle.");
-    for (auto const& name : Functions())
-        EXPECT_NE(0u, name.rfind("CSSG2H_", 0)) << name;
+    EXPECT_EQ(std::vector<std::string>(3, "MDGetHIDHandle"), Functions()) << "nothing after the HID handle";
 }
 
 } // namespace
