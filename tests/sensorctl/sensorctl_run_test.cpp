@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -17,25 +17,19 @@ struct Outcome {
 };
 
 // Runs sensorctl with the arguments (already quoted for the shell) and, when
-// given, a script on standard input.
+// given, a script on standard input. Files are named by the test, so tests
+// running side by side keep them apart.
 Outcome Sensorctl(std::string const& arguments, std::string const& script = "") {
-    // Named by the test, so tests running side by side keep their files apart.
     std::string const base =
         ::testing::TempDir() + "sensorctl_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
     std::ofstream(base + ".in") << script;
-    std::string command =
-        std::string(TEST_BINARY_DIR) + "/sensorctl " + arguments + " < " + base + ".in 2> " + base + ".err";
+    int const status = std::system((std::string(TEST_BINARY_DIR) + "/sensorctl " + arguments + " < " + base +
+                                    ".in > " + base + ".out 2> " + base + ".err")
+                                       .c_str());
     Outcome run;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return run;
-    std::string out;
-    char buffer[4096];
-    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-        out.append(buffer, n);
-    int status = pclose(pipe);
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    std::istringstream lines(out);
-    for (std::string line; std::getline(lines, line);)
+    std::ifstream out(base + ".out");
+    for (std::string line; std::getline(out, line);)
         run.lines.push_back(line);
     std::ostringstream errors;
     errors << std::ifstream(base + ".err").rdbuf();
@@ -48,38 +42,41 @@ bool StartsWith(std::string const& text, std::string const& prefix) {
 }
 
 TEST(SensorctlRun, AScriptOpensASensorAndUsesItsIdInLaterRequests) {
-    Outcome run = Sensorctl("-f -", "# list, open, describe\n"
-                                    "GET /Sensors?connected\n"
-                                    "POST /Sensors/8 -> $spectro\n"
-                                    "GET /Sensors/$spectro\n"
-                                    "GET /Sensors/$spectro?connection\n");
-    EXPECT_EQ(0, run.exitCode) << run.errors;
-    ASSERT_EQ(4u, run.lines.size()) << run.errors;
+    std::string const script = "# list, open, describe\n"
+                               "GET /Sensors?connected\n"
+                               "POST /Sensors/8 -> $spectro\n"
+                               "GET /Sensors/$spectro\n"
+                               "GET /Sensors/$spectro?connection\n"
+                               "GET /Sensors/no-such-sensor\n";
+    Outcome run = Sensorctl("-f -", script);
+    EXPECT_EQ(0, run.exitCode) << run.errors; // error statuses fail the run only with --fail
+    ASSERT_EQ(5u, run.lines.size()) << run.errors;
     EXPECT_TRUE(StartsWith(run.lines[0], R"(200 {"error":null,"value":[{"deviceID":8,)")) << run.lines[0];
     EXPECT_TRUE(StartsWith(run.lines[1], R"(200 {"error":null,"value":")")) << run.lines[1];
     EXPECT_TRUE(StartsWith(run.lines[2], "200 ")) << run.lines[2];
     EXPECT_NE(std::string::npos, run.lines[2].find(R"("name":"Lumetra Spectro 8")")) << run.lines[2];
     EXPECT_EQ(R"(200 {"error":null,"value":true})", run.lines[3]);
-}
-
-TEST(SensorctlRun, ErrorStatusesArePrintedAndFailOnlyWithTheOption) {
-    std::string const request = "'GET /Sensors/no-such-sensor'";
-    Outcome plain = Sensorctl(request);
-    EXPECT_EQ(0, plain.exitCode) << plain.errors;
-    ASSERT_EQ(1u, plain.lines.size());
-    EXPECT_EQ(R"(404 {"error":{"message":"Not found.","name":"Error"},"value":null})", plain.lines[0]);
-    EXPECT_EQ(3, Sensorctl("--fail " + request).exitCode);
+    EXPECT_EQ(R"(404 {"error":{"message":"Not found.","name":"Error"},"value":null})", run.lines[4]);
+    EXPECT_EQ(3, Sensorctl("--fail -f -", script).exitCode);
 }
 
 TEST(SensorctlRun, RequestsThatCannotBeUnderstoodNeverReachTheLibrary) {
     // A library that cannot be loaded would exit 1: exit 2 shows it was never tried.
-    for (char const* request : {"'GET /Sensors'  'GET /Sensor/x'", "'PATCH /Sensors'", "'GET /Sensors/$x'"}) {
+    for (char const* request : {"'GET /Sensors'  'GET /Sensor/x'", "'PATCH /Sensors'", "'GET /Sensors/$x'",
+                                "'POST /Sensors/8 -> spectro'", "'GET /Sensors?=1'"}) {
         Outcome run = Sensorctl(std::string("--library /nonexistent/libsensorcontrol.so ") + request);
         EXPECT_EQ(2, run.exitCode) << request;
         EXPECT_TRUE(run.lines.empty()) << request;
         EXPECT_TRUE(StartsWith(run.errors, "sensorctl: argument ")) << run.errors;
     }
+    Outcome const unknown = Sensorctl("'GET /Sensors/x/Nope'");
+    EXPECT_EQ(2, unknown.exitCode);
+    EXPECT_NE(std::string::npos, unknown.errors.find("no resource matches GET /Sensors/x/Nope"))
+        << unknown.errors;
     EXPECT_EQ(1, Sensorctl("--library /nonexistent/libsensorcontrol.so 'GET /Sensors'").exitCode);
+    Outcome const help = Sensorctl("--help");
+    EXPECT_EQ(0, help.exitCode);
+    EXPECT_GT(help.lines.size(), 34u); // the usage and the resource table
 }
 
 TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
