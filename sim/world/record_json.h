@@ -1,8 +1,10 @@
-// JSON forms of the device records, in the wire form the product uses for
-// correlation data (the same key names and nesting), so scenarios and the
-// journal read like the product's own requests. Readers are lenient: a missing
+// JSON forms of the device records. The correlation records travel in the
+// product's own wire form (its converters are used, so scenarios and the
+// journal read like the product's requests); readers are lenient: a missing
 // member reads as zero.
 #pragma once
+
+#include <cstddef>
 
 #include "devices/records.h"
 #include "quilljson/value.h"
@@ -28,6 +30,5 @@ quilljson::Value toJson(double const* values, size_t count);
 
 MDIFSv3CorrelationData ifsv3FromJson(quilljson::Value const& json);
 MDCSSG2CorrelationDataEx cssg2FromJson(quilljson::Value const& json);
-void realsFromJson(quilljson::Value const& json, double* out, size_t count);
 
 } // namespace sim
