@@ -2,9 +2,30 @@
 // sensor. A monitor text given to MDEnumCorrelationMatrix matches a stored
 // matrix by its product or by its serial (callers pass either).
 #include <string>
+#include <vector>
 
 #include "devices/pallast.h"
 #include "world/world.h"
+
+namespace {
+
+// Applies the correction or matrix of that id stored in the sensor; an id the
+// sensor does not hold answers "Not registered.".
+template <typename Item, typename Apply>
+DvError applyStored(sim::Call& call, void* handle, std::vector<Item> sim::Device::*stored, uint64_t id,
+                    Apply apply) {
+    DvError r;
+    sim::Device* device = sim::sensorOrResult(call, handle, &r);
+    if (device == nullptr) return r;
+    for (Item const& item : device->*stored)
+        if (item.id == id) {
+            apply(*device);
+            return sim::ok();
+        }
+    return sim::result(sim::code::kNotRegistered);
+}
+
+} // namespace
 
 extern "C" {
 
@@ -29,32 +50,22 @@ DvError MDEnumCorrelationCorrection(void* handle, uint64_t index, int32_t* refer
 DvError MDApplyCorrelationCorrection(void* handle, uint64_t correlationID) {
     sim::Call call("MDApplyCorrelationCorrection");
     call.handle(handle).unum(correlationID);
-    DvError r;
-    sim::Device* device = sim::sensorOrResult(call, handle, &r);
-    if (device == nullptr) return r;
-    for (auto const& c : device->correlationCorrections)
-        if (c.id == correlationID) {
-            device->appliedCorrelationCorrection = correlationID;
-            device->targetWhite.reset();
-            return sim::ok();
-        }
-    return sim::result(sim::code::kNotRegistered);
+    return applyStored(call, handle, &sim::Device::correlationCorrections, correlationID,
+                       [correlationID](sim::Device& device) {
+                           device.appliedCorrelationCorrection = correlationID;
+                           device.targetWhite.reset();
+                       });
 }
 
 DvError MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection(void* handle, uint64_t correlationID,
                                                                        colour targetWhite) {
     sim::Call call("MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection");
     call.handle(handle).unum(correlationID).record(targetWhite);
-    DvError r;
-    sim::Device* device = sim::sensorOrResult(call, handle, &r);
-    if (device == nullptr) return r;
-    for (auto const& c : device->correlationCorrections)
-        if (c.id == correlationID) {
-            device->appliedCorrelationCorrection = correlationID;
-            device->targetWhite = sim::TargetWhite{targetWhite.x, targetWhite.y, targetWhite.Y};
-            return sim::ok();
-        }
-    return sim::result(sim::code::kNotRegistered);
+    return applyStored(call, handle, &sim::Device::correlationCorrections, correlationID,
+                       [correlationID, targetWhite](sim::Device& device) {
+                           device.appliedCorrelationCorrection = correlationID;
+                           device.targetWhite = sim::TargetWhite{targetWhite.x, targetWhite.y, targetWhite.Y};
+                       });
 }
 
 DvError MDClear9PointsCorrelationCorrection(void* handle) {
@@ -105,15 +116,8 @@ DvError MDEnumCorrelationMatrix(void* handle, char const* monitorProduct, uint16
 DvError MDApplyCorrelationMatrix(void* handle, uint64_t matrixID) {
     sim::Call call("MDApplyCorrelationMatrix");
     call.handle(handle).unum(matrixID);
-    DvError r;
-    sim::Device* device = sim::sensorOrResult(call, handle, &r);
-    if (device == nullptr) return r;
-    for (auto const& m : device->correlationMatrices)
-        if (m.id == matrixID) {
-            device->appliedCorrelationMatrix = matrixID;
-            return sim::ok();
-        }
-    return sim::result(sim::code::kNotRegistered);
+    return applyStored(call, handle, &sim::Device::correlationMatrices, matrixID,
+                       [matrixID](sim::Device& device) { device.appliedCorrelationMatrix = matrixID; });
 }
 
 DvError MDReleaseCorrelationMatrix(void* handle) {
