@@ -1,17 +1,22 @@
-// Correlation corrections, and the description and correlation data held in a
-// monitor's built-in sensor, as a host drives them.
+// Correlation corrections, the description and correlation data held in a
+// monitor's built-in sensor, and the correlation database, as a host drives them.
 #include "host/sensor_test_util.h"
 #include "quilljson/parser.h"
+#include "quilljson/serializer.h"
 
 namespace {
 
 using quilljson::Value;
 using namespace sensortest;
 
-Value Json(std::string const& text) {
+Value Parse(std::string const& text) {
     Value v;
     EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
     return v;
+}
+
+std::string Text(Value const& v) {
+    return quilljson::Serializer::toText(v);
 }
 
 // The names of the journal's calls of the data set selection and of the built-in sensor.
@@ -22,10 +27,19 @@ std::vector<std::string> SensorCalls() {
     return calls;
 }
 
+// The database keeps the monitor texts in the positions the product adds them in.
+Value const kStoredEntry =
+    Parse(R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
+          R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
+          R"("serial":"VX2710"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})");
+
 class Correlation : public host::HostTest {
 protected:
     void SetUp() override {
         host::HostTest::SetUp();
+        open();
+    }
+    void open() {
         first = host::OpenMonitorSensor("VX2710", "41A00017");  // first generation, HZE priority 2
         second = host::OpenMonitorSensor("VX3220", "52B00042"); // second generation, luminance levels
         usb = host::OpenByDeviceID(8);
@@ -38,27 +52,28 @@ protected:
     std::string first, second, usb;
 };
 
-TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrections) {
+TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrectionsAndRefusesIncompleteRequests) {
     ExpectBadRequest(call(::SensorCorrelation, "GET", usb, R"({"availabl":1})"),
                      "requires 'available' query.");
     ExpectOK(call(::SensorCorrelation, "GET", usb, R"({"available":false})"),
-             Json(R"([{"id":12,"monitor":{"product":"VX2710","serial":"41A00017"},)"
-                  R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}}])"));
+             Parse(R"([{"id":12,"monitor":{"product":"VX2710","serial":"41A00017"},)"
+                   R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}}])"));
     ExpectOK(call(::SensorCorrelation, "GET", first, R"({"available":null})"), Value::array());
 
     ExpectOK(call(::SensorCorrelation, "PUT", usb, "", R"({"id":"12","type":"Recalc"})"), Value());
-    EXPECT_EQ(Json("12"), Arg("MDApplyCorrelationCorrection", 1)) << JournalText();
+    EXPECT_EQ(Parse("12"), Arg("MDApplyCorrelationCorrection", 1)) << JournalText();
     host::ClearJournal();
     // Not wholly a number: identifier 0, which the sensor does not know.
     ExpectDvError(call(::SensorCorrelation, "PUT", usb, "", R"({"id":"12a"})"), 0x80000005,
                   "Apply correlation correction.");
-    EXPECT_EQ(Json("0"), Arg("MDApplyCorrelationCorrection", 1));
+    EXPECT_EQ(Parse("0"), Arg("MDApplyCorrelationCorrection", 1));
 
     ExpectOK(call(::SensorCorrelation, "PUT", usb, "",
                   R"({"id":12.4,"type":"recalc","targetWhite":{"x":"0.3127","y":0.329,"Y":true}})"),
              Value());
-    Value const& white = Arg("MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection", 2);
-    EXPECT_EQ(Json("12"), Arg("MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection", 1));
+    std::string const recalc = "MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection";
+    Value const& white = Arg(recalc, 2);
+    EXPECT_EQ(Parse("12"), Arg(recalc, 1));
     EXPECT_EQ(0.3127, white["x"].asDouble()) << JournalText();
     EXPECT_EQ(0.329, white["y"].asDouble());
     EXPECT_EQ(1.0, white["Y"].asDouble());
@@ -68,62 +83,54 @@ TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrections) {
     EXPECT_FALSE(Called("MDReleaseCorrelationCorrection"));
     ExpectOK(call(::SensorCorrelation, "DELETE", usb), Value());
     EXPECT_TRUE(Called("MDReleaseCorrelationCorrection"));
-}
-
-TEST_F(Correlation, RefusesIncompleteRequestsBeforeAnyDeviceCall) {
+    // Incomplete requests are refused before any device call.
+    host::ClearJournal();
     ExpectBadRequest(call(::SensorCorrelation, "PUT", usb, "", R"([12])"), "data must have id.");
     ExpectBadRequest(call(::SensorCorrelation, "PUT", usb, "", R"({"id":12,"type":"recalc"})"),
                      "data must have targetWhite.");
     ExpectBadRequest(
         call(::SensorCorrelation, "PUT", usb, "", R"({"id":12,"type":"recalc","targetWhite":{"x":1,"y":1}})"),
         "targetWhite must have x, y, Y.");
-    EXPECT_FALSE(Called("MDApplyCorrelationCorrection") ||
-                 Called("MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection"))
-        << JournalText();
+    EXPECT_EQ(std::vector<std::string>{}, Functions()) << JournalText();
     ExpectDvError(call(::SensorCorrelationDescription, "GET", usb), kFailed, "Get HID handle.");
     ExpectDvError(call(::SensorCorrelationData, "PUT", usb, "", "{}"), kFailed, "Get HID handle.");
 }
 
-TEST_F(Correlation, DescriptionSelectsTheCurrentPageAndRoundTrips) {
+TEST_F(Correlation, DescriptionSelectsTheCurrentPageRoundTripsAndReleasesTheMonitor) {
     ExpectOK(call(::SensorCorrelationDescription, "GET", first),
-             Json(R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,"month":1,)"
-                  R"("year":2025},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})"));
+             Parse(R"({"date":)" + Text(kStoredEntry["date"]) + R"(,"referenceSensor":)" +
+                   Text(kStoredEntry["referenceSensor"]) + "}"));
     // No data index support: the page form, index 1 for HZE priority 2.
-    EXPECT_EQ(Json("[4097,3,0]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex")["args"]);
-    EXPECT_EQ(Json("[4097,1,1]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex2")["args"]);
+    EXPECT_EQ(Parse("[4097,3,0]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex")["args"]);
+    EXPECT_EQ(Parse("[4097,1,1]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex2")["args"]);
 
     std::string const longSerial(40, 'S');
     ExpectOK(call(::SensorCorrelationDescription, "PUT", first, "",
                   R"({"date":"2026-03-04 05:06:07","referenceSensor":{"deviceID":"0x13","serial":")" +
                       longSerial + "\"}}"),
              Value());
-    EXPECT_EQ(Json(R"({"day":4,"hour":5,"minute":6,"month":3,"year":2026})"),
+    EXPECT_EQ(Parse(R"({"day":4,"hour":5,"minute":6,"month":3,"year":2026})"),
               Arg("CSSG2H_SetCriterionSensorDescription", 1))
         << JournalText();
+    EXPECT_EQ(Parse("19"), Arg("CSSG2H_SetCriterionSensorDescription", 2));
     EXPECT_EQ(Value(longSerial.substr(0, 32)), Arg("CSSG2H_SetCriterionSensorDescription", 3));
-    Value const back = call(::SensorCorrelationDescription, "GET", first).value();
-    EXPECT_EQ("2026-03-04 05:06:00", back["date"]["dateString"].toString(""));
-    EXPECT_EQ(Value(19), back["referenceSensor"]["deviceID"]);
 
     // Any one field set makes a description, even without a date.
     ExpectOK(call(::SensorCorrelationDescription, "PUT", first, "", R"({"referenceSensor":{"deviceID":5}})"),
              Value());
     Value const noDate = call(::SensorCorrelationDescription, "GET", first).value();
-    EXPECT_EQ("0000-00-00 00:00:00", noDate["date"]["dateString"].toString(""))
-        << noDate["date"].toString("");
-    EXPECT_EQ(Json(R"({"deviceID":5,"serial":""})"), noDate["referenceSensor"]);
+    EXPECT_EQ("0000-00-00 00:00:00", noDate["date"]["dateString"].toString(""));
+    EXPECT_EQ(Parse(R"({"deviceID":5,"serial":""})"), noDate["referenceSensor"]);
 
     ExpectOK(call(::SensorCorrelationDescription, "DELETE", first), Value());
     ExpectOK(call(::SensorCorrelationDescription, "GET", first), Value());
-}
 
-TEST_F(Correlation, DescriptionFailureReleasesTheMonitor) {
+    // A failing read still releases the monitor.
     SimInjectResult("CSSG2H_GetCriterionSensorDescription", static_cast<int32_t>(0x8001000A));
     ExpectDvError(call(::SensorCorrelationDescription, "GET", first), 0x8001000A,
                   "Get criterion sensor descripction.");
-    std::vector<std::string> const names = host::JournalFunctions();
-    ASSERT_FALSE(names.empty());
-    EXPECT_EQ("DvCtrlUnlockMonitor", names.back()) << JournalText();
+    ASSERT_FALSE(Functions().empty());
+    EXPECT_EQ("DvCtrlUnlockMonitor", Functions().back()) << JournalText();
     SimInjectResult("CSSG2H_SetCriterionSensorDescription", static_cast<int32_t>(0x80000001));
     ExpectDvError(call(::SensorCorrelationDescription, "DELETE", first), 0x80000001,
                   "Set criterion sensor descripction.");
@@ -132,17 +139,16 @@ TEST_F(Correlation, DescriptionFailureReleasesTheMonitor) {
 TEST_F(Correlation, DataReadsBothSetsUnderOneLockAndComparesThemAsText) {
     host::Response r = call(::SensorCorrelationData, "GET", first, R"({"checksFactoryData":0})");
     EXPECT_EQ(Value(true), r.value()["isFactory"]) << r.text;
-    EXPECT_EQ(7u, r.value()["toneCorrection"].size());
-    EXPECT_EQ((std::vector<std::string>{
-                  "SetColorSensorDataIndex", "SetColorSensorDataIndex2", "R2XCGetRefParam",
-                  "R2XCGetNormalizedMeasurementValue", "R2XCGetToneCorrectionParam", "R2XCGetRefToneParam",
-                  "SetColorSensorDataIndex", "SetColorSensorDataIndex2", "R2XCGetRefParam",
-                  "R2XCGetNormalizedMeasurementValue", "R2XCGetToneCorrectionParam", "R2XCGetRefToneParam"}),
-              SensorCalls());
-    Value const journal = host::Journal();
+    std::vector<std::string> const oneSet{
+        "SetColorSensorDataIndex",           "SetColorSensorDataIndex2",   "R2XCGetRefParam",
+        "R2XCGetNormalizedMeasurementValue", "R2XCGetToneCorrectionParam", "R2XCGetRefToneParam"};
+    std::vector<std::string> bothSets = oneSet;
+    bothSets.insert(bothSets.end(), oneSet.begin(), oneSet.end());
+    EXPECT_EQ(bothSets, SensorCalls());
     // The factory page is addressed last, and the monitor is released as many times as it was locked.
     int depth = 0, deepest = 0;
     Value lastPage;
+    Value const journal = host::Journal();
     for (Value const& c : journal.arrayRef()) {
         std::string const f = c["function"].toString("");
         if (f == "DvCtrlLockMonitor") deepest = std::max(deepest, ++depth);
@@ -151,44 +157,40 @@ TEST_F(Correlation, DataReadsBothSetsUnderOneLockAndComparesThemAsText) {
     }
     EXPECT_EQ(0, depth);
     EXPECT_EQ(2, deepest); // the endpoint's hold and each step's own
-    EXPECT_EQ(Json("[4097,0,1]"), lastPage);
+    EXPECT_EQ(Parse("[4097,0,1]"), lastPage);
 
-    // Second generation: the luminance levels of mode 0 (current) and mode 1 (factory), index 0
-    // without HZE priority; the sets differ.
+    // Second generation: the luminance levels of mode 0 (current), index 0 without HZE priority;
+    // the sets differ.
     r = call(::SensorCorrelationData, "GET", second, R"({"checksFactoryData":0})");
     EXPECT_EQ(Value(false), r.value()["isFactory"]);
-    EXPECT_EQ(Json(R"({"brightness":120.5,"dimmerOut":180})"), r.value()["luminanceLevelCorrection"])
+    EXPECT_EQ(Parse(R"({"brightness":120.5,"dimmerOut":180})"), r.value()["luminanceLevelCorrection"])
         << r.text;
-    EXPECT_FALSE(r.value()["calibrationData"]["measurement"]["XYZ"].contains("isFactory"));
-    r = call(::SensorCorrelationData, "GET", second);
-    EXPECT_FALSE(r.value().contains("isFactory"));
-}
-
-TEST_F(Correlation, DataWithHZEPriorityReadsThePriorityLevels) {
+    EXPECT_FALSE(call(::SensorCorrelationData, "GET", second).value().contains("isFactory"));
+    // With HZE priority 2 the priority levels (index 1) are read.
     host::LoadScenarioFile("priority_pages.json");
     std::string const id = host::OpenMonitorSensor("VX2790", "61C00005");
     host::ClearJournal();
-    host::Response const r = call(::SensorCorrelationData, "GET", id);
-    EXPECT_EQ(Json(R"({"brightness":140.5,"dimmerOut":210})"), r.value()["luminanceLevelCorrection"])
+    r = call(::SensorCorrelationData, "GET", id);
+    EXPECT_EQ(Parse(R"({"brightness":140.5,"dimmerOut":210})"), r.value()["luminanceLevelCorrection"])
         << r.text;
-    EXPECT_EQ(Json("[4105,0,1]"), host::FirstCall("CSSG2H_GetLuminanceLevelCorrectionParams")["args"]);
+    EXPECT_EQ(Parse("[4105,0,1]"), host::FirstCall("CSSG2H_GetLuminanceLevelCorrectionParams")["args"]);
 }
 
 TEST_F(Correlation, DataWritesOnlyTheNamedPartsOfTheSensorsFamily) {
     Value current = call(::SensorCorrelationData, "GET", second).value();
     current["luminanceLevelCorrection"]["dimmerOut"] = 70000; // out of range: written as 0
     current["correctionData"]["gamma"] = "2.5";
-    host::ClearJournal();
     Value body = Value::object();
     body["correctionData"] = current["correctionData"];
     body["luminanceLevelCorrection"] = current["luminanceLevelCorrection"];
-    body["reference"] = Json(R"({"dimmerOut":1})");
-    ExpectOK(call(::SensorCorrelationData, "PUT", second, "", quilljson::Serializer::toText(body)), Value());
+    body["reference"] = Parse(R"({"dimmerOut":1})");
+    host::ClearJournal();
+    ExpectOK(call(::SensorCorrelationData, "PUT", second, "", Text(body)), Value());
     EXPECT_EQ((std::vector<std::string>{
                   "SetColorSensorDataIndex", "SetColorSensorCorrectionData", "SendColorSensorCorrectionData",
                   "SupportedLuminanceLevelCorrectionParams", "SetLuminanceLevelCorrectionParams"}),
               SensorCalls());
-    EXPECT_EQ(Json("[4098,0,0,120.5,0]"),
+    EXPECT_EQ(Parse("[4098,0,0,120.5,0]"),
               host::FirstCall("CSSG2H_SetLuminanceLevelCorrectionParams")["args"]);
     Value const back = call(::SensorCorrelationData, "GET", second).value();
     EXPECT_EQ(Value(2.5), back["correctionData"]["gamma"]);
@@ -198,29 +200,98 @@ TEST_F(Correlation, DataWritesOnlyTheNamedPartsOfTheSensorsFamily) {
     host::ClearJournal();
     ExpectOK(call(::SensorCorrelationData, "PUT", first, "", R"({"calibrationData":{},"referenceTone":{}})"),
              Value());
-    EXPECT_EQ(Json(R"({"gamma":[0.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0],"tone":[0.0,0.0,0.0,0.0,0.0,0.0,0.0]})"),
-              Arg("CSSG2H_R2XCSetRefToneParam", 1));
-    std::vector<std::string> const selection{"SetColorSensorDataIndex", "SetColorSensorDataIndex2"};
-    std::vector<std::string> expected = selection;
-    expected.push_back("R2XCSetRefToneParam");
-    EXPECT_EQ(expected, SensorCalls());
+    EXPECT_EQ(std::vector<std::string>(
+                  {"SetColorSensorDataIndex", "SetColorSensorDataIndex2", "R2XCSetRefToneParam"}),
+              SensorCalls());
     host::ClearJournal();
     ExpectOK(call(::SensorCorrelationData, "PUT", first, "", R"(["reference"])"), Value());
-    EXPECT_EQ(selection, SensorCalls());
-}
-
-TEST_F(Correlation, DataWriteStopsAtTheFailingPartAndKeepsEarlierOnes) {
-    Value current = call(::SensorCorrelationData, "GET", second).value();
+    EXPECT_EQ(std::vector<std::string>({"SetColorSensorDataIndex", "SetColorSensorDataIndex2"}),
+              SensorCalls());
+    // A failing part stops the write; the parts before it stay written.
+    current = call(::SensorCorrelationData, "GET", second).value();
     current["calibrationData"]["coefficientType"] = 4;
     SimInjectResult("CSSG2H_SetColorSensorCorrectionData", static_cast<int32_t>(0x8000001A));
     host::ClearJournal();
-    ExpectDvError(call(::SensorCorrelationData, "PUT", second, "", quilljson::Serializer::toText(current)),
-                  0x8000001A, "Set color sensor correction data.");
+    ExpectDvError(call(::SensorCorrelationData, "PUT", second, "", Text(current)), 0x8000001A,
+                  "Set color sensor correction data.");
     EXPECT_FALSE(Called("CSSG2H_SendColorSensorCorrectionData") ||
                  Called("CSSG2H_SetLuminanceLevelCorrectionParams"));
     SimClearInjections();
     EXPECT_EQ(Value(4),
               call(::SensorCorrelationData, "GET", second).value()["calibrationData"]["coefficientType"]);
+}
+
+TEST_F(Correlation, DatabaseListsAndAddsEntries) {
+    Value list = Value::array();
+    list.append(kStoredEntry);
+    ExpectOK(call(::SensorCorrelationDatabase, "GET", first, R"({"available":0})"), list);
+    EXPECT_EQ(Parse(R"([305,"QS3-41A00017",0])"), host::FirstCall("MDEnumCorrelationInfo")["args"]);
+
+    SimInjectResult("MDGetCorrelationDataDate", static_cast<int32_t>(0x8000000B));
+    Value const listed = call(::SensorCorrelationDatabase, "GET", first, R"({"available":0})").value();
+    EXPECT_FALSE(listed[0].contains("date"));
+    // Finding an entry needs its date.
+    ExpectDvError(call(::SensorCorrelationDatabase, "GET", first), 0x8000000B, "Get correlation data date.");
+    // Adding uses the function of the sensor's family.
+    host::Response r =
+        call(::SensorCorrelationDatabase, "POST", first, "",
+             R"({"referenceSensor":{"deviceID":"0x0B","serial":"LC11-88210"},"correlationData":{}})");
+    Value const args = host::FirstCall("MDAddIFSv3CorrelationData")["args"];
+    EXPECT_EQ(Value(11), args[2]) << Text(args); // "0x0B"
+    // The database functions take the 17-character monitor text where they name the product.
+    EXPECT_EQ(Value("41A00017"), args[4]);
+    EXPECT_EQ(Value("VX2710"), args[5]);
+    EXPECT_TRUE(args[8].isNull()); // no date
+    ASSERT_TRUE(r.value()["id"].isInteger()) << r.text;
+    int64_t const id = r.value()["id"].getInteger();
+
+    ExpectOK(call(::SensorCorrelationDatabase, "POST", second, "", R"({"date":null})"),
+             Parse(R"({"id":)" + std::to_string(id + 1) + "}"));
+    EXPECT_TRUE(Called("MDAddCSSG2CorrelationDataEx"));
+    EXPECT_FALSE(Called("MDAddCSSG2CorrelationDataWithDateEx"));
+    ExpectOK(call(::SensorCorrelationDatabase, "POST", second, "", R"({"date":"2025-04-05 06:07"})"),
+             Parse(R"({"id":)" + std::to_string(id + 2) + "}"));
+    EXPECT_EQ(Parse(R"({"day":5,"hour":6,"minute":7,"month":4,"year":2025})"),
+              host::FirstCall("MDAddCSSG2CorrelationDataWithDateEx")["args"][8]);
+
+    SimInjectResult("MDAddCSSG2CorrelationDataEx", static_cast<int32_t>(0x80000004));
+    ExpectDvError(call(::SensorCorrelationDatabase, "POST", second, "", "{}"), 0x80000004,
+                  "Add correlation data to database.");
+}
+
+TEST_F(Correlation, DatabaseFindsTheEntryEqualToTheCurrentDataWithinTolerance) {
+    ExpectOK(call(::SensorCorrelationDatabase, "GET", first), kStoredEntry);
+    // The monitor is shown as it is now, not as the entry recorded it.
+    Value world = host::World();
+    world["correlationDatabase"][0]["monitor"]["panelRevision"] = 9;
+    world["correlationDatabase"][0]["monitor"]["product"] = "VX2700";
+    host::LoadScenario(Text(world));
+    open();
+    ExpectOK(call(::SensorCorrelationDatabase, "GET", first), kStoredEntry);
+    ExpectOK(
+        call(::SensorCorrelationDatabase, "GET", second),
+        Parse(R"({"date":{"dateString":"2025-02-14 16:05:00","day":14,"hour":16,"minute":5,"month":2,)"
+              R"("year":2025},"id":2,"monitor":{"panelRevision":1,"product":"52B00042","serial":"VX3220"},)"
+              R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}})"));
+
+    Value data = call(::SensorCorrelationData, "GET", first).value();
+    data["reference"]["ambientTemperature"] = data["reference"]["ambientTemperature"].asDouble() + 5e-6;
+    ExpectOK(call(::SensorCorrelationData, "PUT", first, "", Text(data)), Value());
+    EXPECT_EQ(Value(1), call(::SensorCorrelationDatabase, "GET", first).value()["id"]);
+    data["reference"]["ambientTemperature"] = data["reference"]["ambientTemperature"].asDouble() + 1e-4;
+    ExpectOK(call(::SensorCorrelationData, "PUT", first, "", Text(data)), Value());
+    ExpectOK(call(::SensorCorrelationDatabase, "GET", first), Value());
+
+    // Entries are walked in order: the first equal one answers.
+    Value body = Value::object();
+    body["correlationData"] = data;
+    body["referenceSensor"] = Parse(R"({"deviceID":8,"serial":"LS8-20419"})");
+    body["date"] = Parse(R"({"year":2025,"month":3,"day":1,"hour":12,"minute":0})");
+    Value const added = call(::SensorCorrelationDatabase, "POST", first, "", Text(body)).value();
+    call(::SensorCorrelationDatabase, "POST", first, "", Text(body));
+    host::Response const found = call(::SensorCorrelationDatabase, "GET", first);
+    EXPECT_EQ(added["id"], found.value()["id"]) << found.text;
+    EXPECT_EQ("2025-03-01 12:00:00", found.value()["date"]["dateString"].toString(""));
 }
 
 } // namespace

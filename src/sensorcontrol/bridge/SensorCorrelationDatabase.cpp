@@ -110,9 +110,10 @@ BridgeResult SensorCorrelationDatabase::Get(BridgeData const& data) {
         Value entry = Value::object();
         entry["id"] = id;
         entry["referenceSensor"] = ReferenceSensor(info.referenceDeviceID, BufferText(info.referenceSerial));
-        // The monitor as it is now, not as the entry recorded it.
+        // The monitor as it is now, not as the entry recorded it, with its texts
+        // named as the database names them.
         entry["monitor"] =
-            Monitor(BufferText(monitor.product), BufferText(monitor.serial), monitor.panelRevision);
+            Monitor(BufferText(monitor.serial), BufferText(monitor.product), monitor.panelRevision);
         entry["date"] = DateJson(date);
         return BridgeResultOK(entry);
     }

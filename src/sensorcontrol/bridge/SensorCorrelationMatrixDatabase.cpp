@@ -103,8 +103,9 @@ BridgeResult SensorCorrelationMatrixDatabase::Get(BridgeData const& data) {
                           date.minute == described.minute && described.second == 0 && described.msec == 0;
     if (!sameDate) return BridgeResultOK(Value());
 
-    Value entry = Entry(id, referenceDeviceID, referenceSerial, BufferText(monitor.product),
-                        BufferText(monitor.serial), monitor.panelRevision);
+    // The monitor's texts named as the database names them.
+    Value entry = Entry(id, referenceDeviceID, referenceSerial, BufferText(monitor.serial),
+                        BufferText(monitor.product), monitor.panelRevision);
     entry["date"] = DateJson(date);
     return BridgeResultOK(entry);
 }
