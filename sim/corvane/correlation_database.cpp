@@ -1,17 +1,14 @@
 // libcorvane: the correlation-data database. Entries keep the texts they were
 // added with; the enumeration lists the entries of one sensor (device id and
 // serial) in the order they were added. New entries take the next free id.
-#include <algorithm>
 #include <string>
 
+#include "corvane/database.h"
 #include "devices/corvane.h"
-#include "world/world.h"
 
 namespace {
 
-std::string textOf(char const* text) {
-    return text != nullptr ? text : "";
-}
+using corvane::textOf;
 
 sim::CorrelationEntry* entry(sim::World& world, uint64_t id) {
     for (auto& e : world.correlationDatabase)
@@ -27,18 +24,9 @@ DvError add(sim::Call& call, MDDeviceID deviceID, char const* serial, MDDeviceID
     if (call.injected(&result)) return result;
     if (id == nullptr) return sim::result(sim::code::kInvalidArgument);
     auto& database = call.world().correlationDatabase;
-    sim::CorrelationEntry e;
-    for (auto const& existing : database)
-        e.id = std::max(e.id, existing.id);
-    ++e.id;
-    e.deviceID = deviceID;
-    e.serial = textOf(serial);
-    e.referenceDeviceID = referenceDeviceID;
-    e.referenceSerial = textOf(referenceSerial);
-    e.monitorProduct = textOf(monitorProduct);
-    e.monitorSerial = textOf(monitorSerial);
-    e.panelRevision = panelRevision;
-    e.date = date;
+    sim::CorrelationEntry e =
+        corvane::newEntry(database, deviceID, serial, referenceDeviceID, referenceSerial, monitorProduct,
+                          monitorSerial, panelRevision, date);
     e.firstGeneration = ifsv3 != nullptr;
     if (ifsv3 != nullptr) e.ifsv3 = *ifsv3;
     if (cssg2 != nullptr) e.cssg2 = *cssg2;

@@ -4,14 +4,12 @@
 #include <algorithm>
 #include <string>
 
+#include "corvane/database.h"
 #include "devices/corvane.h"
-#include "world/world.h"
 
 namespace {
 
-std::string textOf(char const* text) {
-    return text != nullptr ? text : "";
-}
+using corvane::textOf;
 
 bool sameMonitor(sim::MatrixEntry const& e, char const* monitor, uint16_t panelRevision) {
     std::string const text = textOf(monitor);
@@ -96,21 +94,12 @@ DvError MDAddCorrelationMatrix(MDDeviceID deviceID, char const* serial, MDDevice
     if (call.injected(&result)) return result;
     if (matrix == nullptr || id == nullptr) return sim::result(sim::code::kInvalidArgument);
     auto& database = call.world().matrixDatabase;
-    sim::MatrixEntry e;
-    for (auto const& existing : database)
-        e.id = std::max(e.id, existing.id);
-    ++e.id;
-    e.deviceID = deviceID;
-    e.serial = textOf(serial);
-    e.referenceDeviceID = referenceDeviceID;
-    e.referenceSerial = textOf(referenceSerial);
-    e.monitorProduct = textOf(monitorProduct);
-    e.monitorSerial = textOf(monitorSerial);
-    e.panelRevision = panelRevision;
+    sim::MatrixEntry e = corvane::newEntry(database, deviceID, serial, referenceDeviceID, referenceSerial,
+                                           monitorProduct, monitorSerial, panelRevision,
+                                           date != nullptr ? std::optional<CSSG2_Date>(*date) : std::nullopt);
     e.dataPage = dataPage;
     e.correlationID = correlationID;
     std::copy(matrix, matrix + 9, e.matrix);
-    if (date != nullptr) e.date = *date;
     database.push_back(e);
     *id = static_cast<unsigned long>(e.id);
     return sim::ok();
