@@ -21,8 +21,6 @@ using quilljson::Value;
 
 constexpr int32_t kInvalidArgument = static_cast<int32_t>(0x80000001u);
 constexpr int32_t kNotRegistered = static_cast<int32_t>(0x80000005u);
-constexpr int32_t kInvalidData = static_cast<int32_t>(0x8000001Au);
-constexpr int32_t kNoMoreData = static_cast<int32_t>(0x8000000Bu);
 
 inline std::string ReadFile(std::string const& path) {
     std::ifstream file(path);
