@@ -46,20 +46,10 @@ DvError MDEnumCorrelationInfo(MDDeviceID deviceID, char const* serial, uint64_t 
     DvError result;
     if (call.injected(&result)) return result;
     std::string const sensor = textOf(serial);
-    uint64_t position = 0;
-    for (auto const& e : call.world().correlationDatabase) {
-        if (e.deviceID != deviceID || e.serial != sensor || position++ != index) continue;
-        if (info != nullptr) {
-            info->referenceDeviceID = static_cast<int32_t>(e.referenceDeviceID);
-            sim::copyText(info->referenceSerial, sizeof info->referenceSerial, e.referenceSerial);
-            sim::copyText(info->monitorProduct, sizeof info->monitorProduct, e.monitorProduct);
-            sim::copyText(info->monitorSerial, sizeof info->monitorSerial, e.monitorSerial);
-            info->panelRevision = e.panelRevision;
-        }
-        if (id != nullptr) *id = e.id;
-        return sim::ok();
-    }
-    return sim::result(sim::code::kNoMoreData);
+    return corvane::enumerate(
+        call.world().correlationDatabase, index,
+        [&](sim::CorrelationEntry const& e) { return e.deviceID == deviceID && e.serial == sensor; }, info,
+        id);
 }
 
 // An entry stored without a date answers "No more data.".
@@ -68,12 +58,7 @@ DvError MDGetCorrelationDataDate(uint64_t id, CSSG2_Date* date) {
     call.unum(id);
     DvError result;
     if (call.injected(&result)) return result;
-    sim::CorrelationEntry* e = entry(call.world(), id);
-    if (e == nullptr) return sim::result(sim::code::kNotRegistered);
-    if (!e->date) return sim::result(sim::code::kNoMoreData);
-    if (date == nullptr) return sim::result(sim::code::kInvalidBuffer);
-    *date = *e->date;
-    return sim::ok();
+    return corvane::dateOf(call.world().correlationDatabase, id, date);
 }
 
 // Reading an entry as the other record family answers "Invalid data.".

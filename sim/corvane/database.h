@@ -35,4 +35,37 @@ Entry newEntry(std::vector<Entry> const& database, MDDeviceID deviceID, char con
     return e;
 }
 
+// The index-th entry that matches, as the enumerations report it: its keys into
+// *info and its id into *id; "No more data." past the last.
+template <typename Entry, typename Matches, typename Info, typename Id>
+DvError enumerate(std::vector<Entry> const& database, uint64_t index, Matches matches, Info* info, Id* id) {
+    uint64_t position = 0;
+    for (Entry const& e : database) {
+        if (!matches(e) || position++ != index) continue;
+        if (info != nullptr) {
+            info->referenceDeviceID = static_cast<decltype(info->referenceDeviceID)>(e.referenceDeviceID);
+            sim::copyText(info->referenceSerial, sizeof info->referenceSerial, e.referenceSerial);
+            sim::copyText(info->monitorProduct, sizeof info->monitorProduct, e.monitorProduct);
+            sim::copyText(info->monitorSerial, sizeof info->monitorSerial, e.monitorSerial);
+            info->panelRevision = e.panelRevision;
+        }
+        if (id != nullptr) *id = static_cast<Id>(e.id);
+        return sim::ok();
+    }
+    return sim::result(sim::code::kNoMoreData);
+}
+
+// The date entry id was added with: "Not registered." for an unknown id, "No
+// more data." for an entry stored without a date.
+template <typename Entry> DvError dateOf(std::vector<Entry> const& database, uint64_t id, CSSG2_Date* date) {
+    for (Entry const& e : database) {
+        if (e.id != id) continue;
+        if (!e.date) return sim::result(sim::code::kNoMoreData);
+        if (date == nullptr) return sim::result(sim::code::kInvalidBuffer);
+        *date = *e.date;
+        return sim::ok();
+    }
+    return sim::result(sim::code::kNotRegistered);
+}
+
 } // namespace corvane

@@ -26,21 +26,12 @@ DvError MDEnumCorrelationMatrixInfo(MDDeviceID deviceID, char* monitorProduct, u
     call.num(deviceID).text(monitorProduct).num(panelRevision).unum(index);
     DvError result;
     if (call.injected(&result)) return result;
-    unsigned long position = 0;
-    for (auto const& e : call.world().matrixDatabase) {
-        if (e.deviceID != deviceID || !sameMonitor(e, monitorProduct, panelRevision) || position++ != index)
-            continue;
-        if (info != nullptr) {
-            info->referenceDeviceID = e.referenceDeviceID;
-            sim::copyText(info->referenceSerial, sizeof info->referenceSerial, e.referenceSerial);
-            sim::copyText(info->monitorProduct, sizeof info->monitorProduct, e.monitorProduct);
-            sim::copyText(info->monitorSerial, sizeof info->monitorSerial, e.monitorSerial);
-            info->panelRevision = e.panelRevision;
-        }
-        if (id != nullptr) *id = e.id;
-        return sim::ok();
-    }
-    return sim::result(sim::code::kNoMoreData);
+    return corvane::enumerate(
+        call.world().matrixDatabase, index,
+        [&](sim::MatrixEntry const& e) {
+            return e.deviceID == deviceID && sameMonitor(e, monitorProduct, panelRevision);
+        },
+        info, id);
 }
 
 // An entry stored without a date answers "No more data.".
@@ -49,14 +40,7 @@ DvError MDGetCorrelationMatrixDate(unsigned long id, CSSG2_Date* date) {
     call.unum(id);
     DvError result;
     if (call.injected(&result)) return result;
-    for (auto const& e : call.world().matrixDatabase) {
-        if (e.id != id) continue;
-        if (!e.date) return sim::result(sim::code::kNoMoreData);
-        if (date == nullptr) return sim::result(sim::code::kInvalidBuffer);
-        *date = *e.date;
-        return sim::ok();
-    }
-    return sim::result(sim::code::kNotRegistered);
+    return corvane::dateOf(call.world().matrixDatabase, id, date);
 }
 
 // The latest entry is the one added last (the highest id) among the matches.
