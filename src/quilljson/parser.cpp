@@ -239,8 +239,8 @@ private:
             if (isObject) {
                 f.data = &v.become<Value::ObjectType>(Value::Object);
             } else {
-                v.become<Value::ArrayType>(Value::Array);
-                f.data = &v.makePrivate<Value::ArrayType>();
+                auto& fresh = v.become<Value::ArrayType>(Value::Array);
+                f.data = root ? &v.makePrivate<Value::ArrayType>() : &fresh; // a holder is never shared
             }
         }
         ++p_; // past '{' or '['
