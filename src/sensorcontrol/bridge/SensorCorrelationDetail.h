@@ -65,7 +65,9 @@ inline std::string StringOf(quilljson::Value const& value) {
 // positions, which are kept: the monitor-control functions take the
 // 9-character text first (where they name the serial), and the database
 // functions take the 17-character text where they name the monitor product
-// and the 9-character text where they name the monitor serial.
+// and the 9-character text where they name the monitor serial. The database
+// endpoints name the monitor's texts in their answers the same way, so that an
+// entry found for the monitor reads like the entry the database lists.
 struct MonitorIdentity {
     char product[9] = {}; // as the monitor list reports them
     char serial[17] = {};
