@@ -54,12 +54,4 @@ TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
     }
 }
 
-TEST_F(SensorMeasurement, StandaloneDeviceHasNoBuiltinReadings) {
-    std::string id = host::OpenByDeviceID(8);
-    host::ClearJournal();
-    for (host::Endpoint endpoint : {::SensorRGB, ::SensorIR, ::SensorXYZWithoutCorrelation})
-        ExpectDvError(host::Call(endpoint, "GET", host::IdParams(id)), kFailed, "Get HID handle.");
-    EXPECT_EQ(std::vector<std::string>(3, "MDGetHIDHandle"), Functions()) << "nothing after the HID handle";
-}
-
 } // namespace

@@ -135,14 +135,12 @@ TEST_F(SensorMechanics, DeviceOptionsDependOnTheModel) {
 
 // Model 12 may write its calibration set but does not report it.
 TEST_F(SensorMechanics, CalibrationSetWritableButNotReadableOnSomeModels) {
-    host::LoadScenario(R"({"devices":[{"deviceID":12,"name":"Lumetra Colori 12","serial":"LC12-1",
-                                       "options":{"OPT_CALIBRATIONSET":1}}]})");
+    LoadEditedWorld([](Value& world) { world["devices"][1]["deviceID"] = 12; });
     std::string model12 = host::OpenByDeviceID(12);
     ExpectOK(get(::SensorDeviceOption, "", model12), Value::object());
-    host::ClearJournal();
-    ExpectOK(host::Call(::SensorDeviceOption, "PUT", host::IdParams(model12), "", R"({"calibrationSet":2})"),
+    ExpectOK(host::Call(::SensorDeviceOption, "PUT", host::IdParams(model12), "", R"({"calibrationSet":3})"),
              Value());
-    EXPECT_EQ(Value(2), host::World()["devices"][0]["options"]["OPT_CALIBRATIONSET"]);
+    EXPECT_EQ(Value(3), host::World()["devices"][1]["options"]["OPT_CALIBRATIONSET"]);
 }
 
 } // namespace

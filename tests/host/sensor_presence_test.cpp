@@ -46,12 +46,18 @@ TEST_F(SensorPresence, LevelTakesNumbersOnlyRoundedHalfAwayFromZero) {
     EXPECT_FALSE(Called("DvCtrlLockMonitor"));
 }
 
-TEST_F(SensorPresence, HIDHandleIsCheckedBeforeTheData) {
+// A sensor not built into a monitor fails at its HID handle, before the data
+// is looked at and before any built-in-sensor function is looked up.
+TEST_F(SensorPresence, BuiltinEndpointsNeedTheHIDHandleFirst) {
     std::string usb = host::OpenByDeviceID(8);
+    host::ClearJournal();
     for (host::Endpoint e : {::SensorAmbrelSense, ::SensorAmbrelSenseLevel}) {
         ExpectDvError(host::Call(e, "PUT", host::IdParams(usb), "", "\"bad\""), kFailed, "Get HID handle.");
         ExpectDvError(host::Call(e, "GET", host::IdParams(usb)), kFailed, "Get HID handle.");
     }
+    for (host::Endpoint e : {::SensorRGB, ::SensorIR, ::SensorXYZWithoutCorrelation})
+        ExpectDvError(host::Call(e, "GET", host::IdParams(usb)), kFailed, "Get HID handle.");
+    EXPECT_EQ(std::vector<std::string>(7, "MDGetHIDHandle"), Functions());
 }
 
 } // namespace
