@@ -30,8 +30,8 @@ class CorrelationMatrix : public host::HostTest {
 protected:
     void SetUp() override {
         host::HostTest::SetUp();
-        first = host::OpenMonitorSensor("VX2710", "41A00017");  // 8x3 supported
-        second = host::OpenMonitorSensor("VX3220", "52B00042"); // 3x3 only
+        first = host::OpenMonitorSensor("LMN27A", "41A00017");  // 8x3 supported
+        second = host::OpenMonitorSensor("LMN32B", "52B00042"); // 3x3 only
         usb = host::OpenByDeviceID(8);
         host::ClearJournal();
     }
@@ -107,7 +107,7 @@ TEST_F(CorrelationMatrix, DatabaseListsAndFindsTheMatrixOfTheCurrentDescription)
     std::string const entry =
         R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
         R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
-        R"("serial":"VX2710"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})";
+        R"("serial":"LMN27A"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})";
     EXPECT_EQ(CanonText("[" + entry + "]"),
               Canon(call(::SensorCorrelationMatrixDatabase, "GET", first, R"({"available":true})").value()));
     EXPECT_EQ(CanonText(entry), Canon(call(::SensorCorrelationMatrixDatabase, "GET", first).value()));
@@ -135,7 +135,7 @@ TEST_F(CorrelationMatrix, DatabaseAddsTheReducedMatrixOnThePriorityPage) {
     // Sensor, reference, monitor texts as the database names them, panel revision, the page of HZE
     // priority 2, the truncated correlation id, the reduced matrix, no date.
     EXPECT_EQ(
-        CanonText(R"([305,"QS3-41A00017",11,"LC11-88210","41A00017","VX2710",3,1,5,)" + kReduced + ",null]"),
+        CanonText(R"([305,"QS3-41A00017",11,"LC11-88210","41A00017","LMN27A",3,1,5,)" + kReduced + ",null]"),
         Canon(host::FirstCall("MDAddCorrelationMatrix")["args"]));
 
     ExpectBadRequest(call(::SensorCorrelationMatrixDatabase, "POST", second, "", R"({"date":"2025-01-01"})"),

@@ -31,7 +31,7 @@ std::vector<std::string> SensorCalls() {
 Value const kStoredEntry =
     Parse(R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
           R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
-          R"("serial":"VX2710"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})");
+          R"("serial":"LMN27A"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})");
 
 class Correlation : public host::HostTest {
 protected:
@@ -40,8 +40,8 @@ protected:
         open();
     }
     void open() {
-        first = host::OpenMonitorSensor("VX2710", "41A00017");  // first generation, HZE priority 2
-        second = host::OpenMonitorSensor("VX3220", "52B00042"); // second generation, luminance levels
+        first = host::OpenMonitorSensor("LMN27A", "41A00017");  // first generation, HZE priority 2
+        second = host::OpenMonitorSensor("LMN32B", "52B00042"); // second generation, luminance levels
         usb = host::OpenByDeviceID(8);
         host::ClearJournal();
     }
@@ -56,7 +56,7 @@ TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrectionsAndRefusesIncomplete
     ExpectBadRequest(call(::SensorCorrelation, "GET", usb, R"({"availabl":1})"),
                      "requires 'available' query.");
     ExpectOK(call(::SensorCorrelation, "GET", usb, R"({"available":false})"),
-             Parse(R"([{"id":12,"monitor":{"product":"VX2710","serial":"41A00017"},)"
+             Parse(R"([{"id":12,"monitor":{"product":"LMN27A","serial":"41A00017"},)"
                    R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}}])"));
     ExpectOK(call(::SensorCorrelation, "GET", first, R"({"available":null})"), Value::array());
 
@@ -168,7 +168,7 @@ TEST_F(Correlation, DataReadsBothSetsUnderOneLockAndComparesThemAsText) {
     EXPECT_FALSE(call(::SensorCorrelationData, "GET", second).value().contains("isFactory"));
     // With HZE priority 2 the priority levels (index 1) are read.
     host::LoadScenarioFile("priority_pages.json");
-    std::string const id = host::OpenMonitorSensor("VX2790", "61C00005");
+    std::string const id = host::OpenMonitorSensor("LMN27C", "61C00005");
     host::ClearJournal();
     r = call(::SensorCorrelationData, "GET", id);
     EXPECT_EQ(Parse(R"({"brightness":140.5,"dimmerOut":210})"), r.value()["luminanceLevelCorrection"])
@@ -240,7 +240,7 @@ TEST_F(Correlation, DatabaseListsAndAddsEntries) {
     EXPECT_EQ(Value(11), args[2]) << Text(args); // "0x0B"
     // The database functions take the 17-character monitor text where they name the product.
     EXPECT_EQ(Value("41A00017"), args[4]);
-    EXPECT_EQ(Value("VX2710"), args[5]);
+    EXPECT_EQ(Value("LMN27A"), args[5]);
     EXPECT_TRUE(args[8].isNull()); // no date
     ASSERT_TRUE(r.value()["id"].isInteger()) << r.text;
     int64_t const id = r.value()["id"].getInteger();
@@ -271,7 +271,7 @@ TEST_F(Correlation, DatabaseFindsTheEntryEqualToTheCurrentDataWithinTolerance) {
     ExpectOK(
         call(::SensorCorrelationDatabase, "GET", second),
         Parse(R"({"date":{"dateString":"2025-02-14 16:05:00","day":14,"hour":16,"minute":5,"month":2,)"
-              R"("year":2025},"id":2,"monitor":{"panelRevision":1,"product":"52B00042","serial":"VX3220"},)"
+              R"("year":2025},"id":2,"monitor":{"panelRevision":1,"product":"52B00042","serial":"LMN32B"},)"
               R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}})"));
 
     Value data = call(::SensorCorrelationData, "GET", first).value();

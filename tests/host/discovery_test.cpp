@@ -59,7 +59,7 @@ TEST_F(Discovery, NamesByDeviceIDOrOfTheOpenSensors) {
 
     EXPECT_EQ("[]", Value(Call(::SensorsName, "GET")));
     std::string const usb = host::OpenByDeviceID(8);
-    std::string const builtin = host::OpenMonitorSensor("VX2710", "41A00017");
+    std::string const builtin = host::OpenMonitorSensor("LMN27A", "41A00017");
     EXPECT_EQ(usb < builtin ? R"(["Lumetra Spectro 8","Quorra QS3"])"
                             : R"(["Quorra QS3","Lumetra Spectro 8"])",
               Value(Call(::SensorsName, "GET")));
@@ -143,7 +143,7 @@ TEST_F(Discovery, DeleteAndTearDownCloseEverySensor) {
     for (bool tearDown : {false, true}) {
         SCOPED_TRACE(tearDown);
         std::string const usb = host::OpenByDeviceID(8);
-        host::OpenMonitorSensor("VX2710", "41A00017");
+        host::OpenMonitorSensor("LMN27A", "41A00017");
         uint32_t const pending = ::SensorXYZ("", host::IdParams(usb).c_str(), "", "");
         host::ClearJournal();
         if (tearDown)

@@ -30,24 +30,24 @@ class MonitorLock : public host::HostTest {};
 } // namespace
 
 TEST_F(MonitorLock, HeldAroundTheDeviceCallsOfTheRightMonitor) {
-    std::string const id = host::OpenMonitorSensor("VX3220", "52B00042");
+    std::string const id = host::OpenMonitorSensor("LMN32B", "52B00042");
     host::ClearJournal();
     EXPECT_EQ(200u, Call(::SensorAmbrelSense, "GET", host::IdParams(id)).status);
     EXPECT_EQ(std::vector<std::string>({
                   R"(DvCtrlGetSerialProduct[0])",
-                  R"(DvCtrlGetHIDHandle["VX2710","41A00017"])",
+                  R"(DvCtrlGetHIDHandle["LMN27A","41A00017"])",
                   R"(DvCtrlGetSerialProduct[1])",
-                  R"(DvCtrlGetHIDHandle["VX3220","52B00042"])",
-                  R"(DvCtrlLockMonitor["VX3220","52B00042"])",
+                  R"(DvCtrlGetHIDHandle["LMN32B","52B00042"])",
+                  R"(DvCtrlLockMonitor["LMN32B","52B00042"])",
                   R"(CSSG2H_GetHumanDetectOnOff[4098])",
-                  R"(DvCtrlUnlockMonitor["VX3220","52B00042"])",
+                  R"(DvCtrlUnlockMonitor["LMN32B","52B00042"])",
               }),
               MonitorCalls());
     EXPECT_EQ(0, host::World()["monitors"][1]["lockCount"].getInteger());
 }
 
 TEST_F(MonitorLock, WithoutTheHoldTheRequestGoesOnUnlocked) {
-    std::string const id = host::OpenMonitorSensor("VX2710", "41A00017");
+    std::string const id = host::OpenMonitorSensor("LMN27A", "41A00017");
     std::string const set = R"(CSSG2H_SetHumanDetectOnOff[4097,1])";
     auto const put = [&] { return Call(::SensorAmbrelSense, "PUT", host::IdParams(id), "", "true").text; };
 
@@ -55,7 +55,7 @@ TEST_F(MonitorLock, WithoutTheHoldTheRequestGoesOnUnlocked) {
     host::ClearJournal();
     SimInjectResult("DvCtrlLockMonitor", static_cast<int32_t>(0x8001000Au));
     EXPECT_EQ(R"({"error":null,"value":null})", put());
-    EXPECT_EQ(std::vector<std::string>({R"(DvCtrlLockMonitor["VX2710","41A00017"])", set}),
+    EXPECT_EQ(std::vector<std::string>({R"(DvCtrlLockMonitor["LMN27A","41A00017"])", set}),
               LastTwo(MonitorCalls()));
 
     // A monitor list that ends at once, even with a note, names no monitor to lock.
@@ -76,6 +76,6 @@ TEST_F(MonitorLock, WithoutTheHoldTheRequestGoesOnUnlocked) {
         R"({"error":{"code":2147549194,"message":"Monitor critical section is owned.","name":"DvError",)"
         R"("reason":"Set human detect on off."},"value":null})",
         put());
-    EXPECT_EQ(std::vector<std::string>({R"(DvCtrlLockMonitor["VX2710","41A00017"])", set}),
+    EXPECT_EQ(std::vector<std::string>({R"(DvCtrlLockMonitor["LMN27A","41A00017"])", set}),
               LastTwo(MonitorCalls()));
 }

@@ -17,7 +17,7 @@ using host::IdParams;
 using Lines = std::vector<hostlog::Line>;
 
 constexpr int32_t kNotRegistered = static_cast<int32_t>(0x80000005u);
-char const kVX2710[] = R"({"product":"VX2710","serial":"41A00017"})";
+char const kLMN27A[] = R"({"product":"LMN27A","serial":"41A00017"})";
 
 std::vector<std::string> OpenIDs() {
     host::Response const listed = Call(::Sensors, "GET");
@@ -57,10 +57,10 @@ class Registry : public host::HostTest {};
 TEST_F(Registry, EachRouteOpensUnderAFreshIDListedInIDOrder) {
     host::Response const r = Call(::IndividualID, "POST", R"({"individualID":"00000000a1b2c3e5"})");
     std::vector<std::string> ids{host::OpenByDeviceID(8), r.value().toString(""),
-                                 host::OpenMonitorSensor("VX2710", "41A00017"), host::OpenByDeviceID(8)};
+                                 host::OpenMonitorSensor("LMN27A", "41A00017"), host::OpenByDeviceID(8)};
     EXPECT_EQ("[8]", Args("MDOpen"));
     EXPECT_EQ("[2712847333]", Args("MDOpenWithIndividualID"));
-    EXPECT_EQ(R"(["41A00017","VX2710"])", Args("DvCtrlGetHIDHandle")); // serial first
+    EXPECT_EQ(R"(["41A00017","LMN27A"])", Args("DvCtrlGetHIDHandle")); // serial first
     EXPECT_EQ("[4097]", Args("MDOpenWithHIDHandle"));
 
     std::sort(ids.begin(), ids.end());
@@ -73,7 +73,7 @@ TEST_F(Registry, RefusedAndFailedOpensRegisterNothing) {
         R"({"error":{"message":"URI is invalid.","name":"BadRequestError"},"value":null})";
     EXPECT_EQ(invalid, Call(::DeviceID, "POST").text);
     EXPECT_EQ(invalid, Call(::IndividualID, "POST", R"({"individualID":""})").text);
-    EXPECT_EQ(invalid, Call(::Monitors, "POST", R"({"product":"VX2710"})").text);
+    EXPECT_EQ(invalid, Call(::Monitors, "POST", R"({"product":"LMN27A"})").text);
     EXPECT_EQ(0u, host::Journal().size());
 
     SimInjectResult("MDOpen", static_cast<int32_t>(0x80010002u));
@@ -85,10 +85,10 @@ TEST_F(Registry, RefusedAndFailedOpensRegisterNothing) {
               Call(::IndividualID, "POST", R"({"individualID":"a1b2c3d4"})").error()["reason"].toString(""));
     SimInjectResult("MDOpenWithHIDHandle", -1);
     EXPECT_EQ("Open sensor with HID handle.",
-              Call(::Monitors, "POST", kVX2710).error()["reason"].toString(""));
+              Call(::Monitors, "POST", kLMN27A).error()["reason"].toString(""));
     host::ClearJournal();
     SimInjectResult("DvCtrlGetHIDHandle", -1);
-    EXPECT_EQ("Get HID handle.", Call(::Monitors, "POST", kVX2710).error()["reason"].toString(""));
+    EXPECT_EQ("Get HID handle.", Call(::Monitors, "POST", kLMN27A).error()["reason"].toString(""));
     EXPECT_EQ(0u, Count("MDOpenWithHIDHandle"));
 
     EXPECT_EQ(std::vector<std::string>(), OpenIDs());
@@ -97,7 +97,7 @@ TEST_F(Registry, RefusedAndFailedOpensRegisterNothing) {
 TEST_F(Registry, RequestsLookupsAndRemoval) {
     std::string const usbID = host::OpenByDeviceID(8);
     void* const usb = HandleOf(usbID);
-    std::string const builtinID = host::OpenMonitorSensor("VX2710", "41A00017");
+    std::string const builtinID = host::OpenMonitorSensor("LMN27A", "41A00017");
     void* const builtin = HandleOf(builtinID);
 
     EXPECT_EQ(400u, Call(::Sensor, "GET", R"({"id":8})").status); // only a text names a sensor
@@ -133,15 +133,15 @@ TEST_F(Registry, RequestsLookupsAndRemoval) {
 }
 
 TEST_F(Registry, MonitorUpdateTakesTheSensorAwayAndGivesItBackUnderItsID) {
-    std::string const id = host::OpenMonitorSensor("VX2710", "41A00017");
-    std::string const other = host::OpenMonitorSensor("VX3220", "52B00042");
+    std::string const id = host::OpenMonitorSensor("LMN27A", "41A00017");
+    std::string const other = host::OpenMonitorSensor("LMN32B", "52B00042");
     hostlog::Tail log;
     host::ClearJournal();
 
     // The entry holds the names in the order the opening request passed them.
-    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("VX2710", "41A00017"));
+    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("LMN27A", "41A00017"));
     EXPECT_EQ(0u, Count("MDClose"));
-    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("41A00017", "VX2710"));
+    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("41A00017", "LMN27A"));
     EXPECT_EQ(1u, Count("MDClose"));
     EXPECT_EQ(404u, Call(::Sensor, "GET", IdParams(id)).status);
     EXPECT_EQ(200u, Call(::Sensor, "GET", IdParams(other)).status);
@@ -150,16 +150,16 @@ TEST_F(Registry, MonitorUpdateTakesTheSensorAwayAndGivesItBackUnderItsID) {
     EXPECT_EQ(2u, OpenIDs().size());
 
     SimInjectResult("MDOpenWithHIDHandle", -1);
-    EXPECT_EQ(0, MirelUpdateBuiltInSensorHandle("41A00017", "VX2710"));
+    EXPECT_EQ(0, MirelUpdateBuiltInSensorHandle("41A00017", "LMN27A"));
     EXPECT_EQ(404u, Call(::Sensor, "GET", IdParams(id)).status);
     SimClearInjections();
-    EXPECT_EQ(0, MirelUpdateBuiltInSensorHandle("41A00017", "VX2710"));
+    EXPECT_EQ(0, MirelUpdateBuiltInSensorHandle("41A00017", "LMN27A"));
     EXPECT_EQ(200u, Call(::Sensor, "GET", IdParams(id)).status);
     EXPECT_EQ(0, MirelGetHandleForHIDHandle(4097, &found));
     EXPECT_EQ(HandleOf(id), found);
 
     SimInjectResult("MDClose", -1);
-    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("41A00017", "VX2710"));
+    EXPECT_EQ(0, MirelPreUpdateBuiltInSensorHandle("41A00017", "LMN27A"));
     EXPECT_EQ(200u, Call(::Sensor, "GET", IdParams(id)).status);
     EXPECT_EQ(Lines({{3, "Close sensor on pre update built-in sensor handle."},
                      {5, "Failed to open sensor on update built-in sensor handle."},
@@ -169,7 +169,7 @@ TEST_F(Registry, MonitorUpdateTakesTheSensorAwayAndGivesItBackUnderItsID) {
 
     // The monitor library's own refusal comes back unchanged.
     SimInjectResult("DvCtrlGetHIDHandle", static_cast<int32_t>(0x80010001u));
-    EXPECT_EQ(static_cast<int32_t>(0x80010001u), MirelUpdateBuiltInSensorHandle("41A00017", "VX2710"));
+    EXPECT_EQ(static_cast<int32_t>(0x80010001u), MirelUpdateBuiltInSensorHandle("41A00017", "LMN27A"));
 }
 
 TEST_F(Registry, HostLockHoldsRequestsOff) {
@@ -196,7 +196,7 @@ TEST_F(Registry, ConcurrentOpeningListingAndClosing) {
         threads.emplace_back([&, t] {
             for (int round = 0; round < kRounds; ++round) {
                 std::string const id = round % 2 == 0 ? host::OpenByDeviceID(t % 2 == 0 ? 8 : 11)
-                                                      : host::OpenMonitorSensor("VX3220", "52B00042");
+                                                      : host::OpenMonitorSensor("LMN32B", "52B00042");
                 Call(::Sensors, "GET");
                 Call(::SensorsName, "GET");
                 bool const close = round % 3 == 0;

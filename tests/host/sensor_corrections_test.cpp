@@ -63,9 +63,9 @@ TEST_F(SensorCorrections, EmissionChecksInOrderThenConvertsPanelRevision) {
     for (auto const& c : revisions) {
         SCOPED_TRACE(c.panelRevision);
         std::string const body =
-            R"({"type":"emission","observerKey":-1.5,"product":"VX2710","panelRevision":)";
+            R"({"type":"emission","observerKey":-1.5,"product":"LMN27A","panelRevision":)";
         ExpectOK(put(::SensorCorrection, body + c.panelRevision + "}"), Value());
-        EXPECT_EQ(Json(R"({"type":"emission","observerKey":-2,"product":"VX2710","panelRevision":)" +
+        EXPECT_EQ(Json(R"({"type":"emission","observerKey":-2,"product":"LMN27A","panelRevision":)" +
                        std::to_string(c.expected) + "}"),
                   correction());
     }

@@ -63,7 +63,7 @@ TEST_F(SensorFrame, ServedMethodsResolveTheSensorOthersAre405) {
 // reading, nothing changed in the world and no monitor left locked.
 TEST_F(SensorFrame, EveryFailedDeviceCallIsReportedAndChangesNothing) {
     std::string const sensors[] = {host::OpenByDeviceID(8), host::OpenByDeviceID(11),
-                                   host::OpenMonitorSensor("VX2710", "41A00017")};
+                                   host::OpenMonitorSensor("LMN27A", "41A00017")};
     enum { kSpectro, kColori, kBuiltin };
     struct {
         host::Endpoint endpoint;

@@ -29,7 +29,7 @@ TEST_F(SensorMeasurement, DeviceAnswersXYZRawXYZAndThreeRawValues) {
 }
 
 TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
-    std::string id = host::OpenMonitorSensor("VX2710", "41A00017");
+    std::string id = host::OpenMonitorSensor("LMN27A", "41A00017");
     struct {
         host::Endpoint endpoint;
         char const* function;

@@ -9,7 +9,7 @@ class SensorPresence : public host::HostTest {
 protected:
     void SetUp() override {
         host::HostTest::SetUp();
-        id = host::OpenMonitorSensor("VX2710", "41A00017");
+        id = host::OpenMonitorSensor("LMN27A", "41A00017");
         host::ClearJournal();
     }
     host::Response get(host::Endpoint e) { return host::Call(e, "GET", host::IdParams(id)); }

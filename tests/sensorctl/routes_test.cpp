@@ -60,13 +60,13 @@ TEST(Routes, OverlappingPathsGoWhereTheHelpSays) {
         {"GET /Sensors/x/CorrelationMatrix/Database", "SensorCorrelationMatrixDatabase", R"({"id":"x"})"},
         {"POST /Sensors/x/XYZ", "SensorXYZ", R"({"id":"x"})"}, // the library answers 405
         {"GET /Sensors//XYZ", "SensorXYZ", R"({"id":""})"},    // empty id: the library answers 400
-        {"POST /Monitors/VX2710/41A00017/Sensor", "Monitors", R"({"product":"VX2710","serial":"41A00017"})"},
+        {"POST /Monitors/LMN27A/41A00017/Sensor", "Monitors", R"({"product":"LMN27A","serial":"41A00017"})"},
         {"PUT /Pallast/ControlPanel", "PallastControlPanel", ""},
         {"GET /sensors", "(none)", ""},
         {"GET /Sensor/x", "(none)", ""},
         {"GET /Sensors/x/Bogus", "(none)", ""},
         {"GET /Sensors/x/XYZ/More", "(none)", ""},
-        {"POST /Monitors/VX2710/Sensor", "(none)", ""},
+        {"POST /Monitors/LMN27A/Sensor", "(none)", ""},
     };
     for (Case const& c : cases) {
         std::string parameters;

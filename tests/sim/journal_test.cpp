@@ -23,16 +23,16 @@ TEST_F(Journal, RecordsInputArgumentsInOrder) {
     ASSERT_EQ(0, MDOpenWithIndividualID(0xA1B2C3D4u, &handle).code);
     EXPECT_EQ(Array({Value(0xA1B2C3D4L)}), LastArgs()); // the out-parameter is left out
 
-    ASSERT_EQ(0, MDApplyEmissionCorrection(handle, 1, "VX2710", 3).code);
-    EXPECT_EQ(Array({Handle(handle), Value(1), Value("VX2710"), Value(3)}), LastArgs());
+    ASSERT_EQ(0, MDApplyEmissionCorrection(handle, 1, "LMN27A", 3).code);
+    EXPECT_EQ(Array({Handle(handle), Value(1), Value("LMN27A"), Value(3)}), LastArgs());
 
     uint32_t size = 7;
     MDGetExCorrectionName(handle, 2, nullptr, &size);
     EXPECT_EQ(Array({Handle(handle), Value(2), Value(7)}), LastArgs()); // the in/out size as given
 
     void* hid = nullptr;
-    DvCtrlGetHIDHandle(nullptr, "VX2710", &hid);
-    EXPECT_EQ(Array({Value(), Value("VX2710")}), LastArgs());
+    DvCtrlGetHIDHandle(nullptr, "LMN27A", &hid);
+    EXPECT_EQ(Array({Value(), Value("LMN27A")}), LastArgs());
 
     CSSG2_Date date{2025, 1, 2, 3, 4};
     char serial[33] = "LS8-20419";
@@ -66,7 +66,7 @@ TEST_F(Journal, InjectedResultReplacesTheWork) {
     SimInjectResult("MDGetDeviceID", kInvalidArgument);
     SimInjectResult("DvCtrlGetPanelRevision", kInvalidArgument);
     EXPECT_EQ(8u, MDGetDeviceID(handle));
-    EXPECT_EQ(1, DvCtrlGetPanelRevision("52B00042", "VX3220"));
+    EXPECT_EQ(1, DvCtrlGetPanelRevision("52B00042", "LMN32B"));
 
     SimClearInjections();
     EXPECT_EQ(0, MDSetMode(handle, 5, 1).code);
@@ -90,8 +90,8 @@ TEST_F(Journal, CallsFromManyThreadsAreAllRecorded) {
             for (int i = 0; i < 200; ++i) {
                 void* handle = nullptr;
                 if (MDOpen(t % 2 == 0 ? 8 : 11, &handle).code == 0) opened[t].push_back(handle);
-                DvCtrlLockMonitor("VX2710", "41A00017");
-                DvCtrlUnlockMonitor("41A00017", "VX2710");
+                DvCtrlLockMonitor("LMN27A", "41A00017");
+                DvCtrlUnlockMonitor("41A00017", "LMN27A");
             }
         });
     for (auto& thread : threads)

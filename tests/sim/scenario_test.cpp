@@ -57,7 +57,7 @@ TEST_F(Scenario, BadScenarioLeavesTheWorldAsItWas) {
         "{\"devices\":[{\"individualID\":\"xyz\"}]}",
         "{\"devices\":[{\"correction\":{\"type\":\"Emission\"}}]}",
         "{\"devices\":[{\"measurement\":{\"rawData\":[1,2,\"3\"]}}]}",
-        "{\"monitors\":[{\"product\":\"VX2710-LONG\",\"serial\":\"S\",\"hidHandle\":1}]}",
+        "{\"monitors\":[{\"product\":\"LMN27A-LONG\",\"serial\":\"S\",\"hidHandle\":1}]}",
         "{\"monitors\":[{\"product\":\"P\",\"serial\":\"S\"}]}",
         "{\"monitors\":[{\"product\":\"P\",\"serial\":\"S\",\"hidHandle\":1},"
         "{\"product\":\"Q\",\"serial\":\"T\",\"hidHandle\":1}]}",

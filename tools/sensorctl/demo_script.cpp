@@ -11,8 +11,8 @@ struct DemoStep {
 
 // The default world: USB sensors 8 "Lumetra Spectro 8" (individual id
 // 00000000a1b2c3d4) and 11 "Lumetra Colori 11" (00000000a1b2c3e5), serial
-// sensor 21 on usbserial-LX21A, monitors VX2710/41A00017 (first generation
-// correlation records) and VX3220/52B00042 (second generation).
+// sensor 21 on usbserial-LX21A, monitors LMN27A/41A00017 (first generation
+// correlation records) and LMN32B/52B00042 (second generation).
 DemoStep const kTour[] = {
     {"Sensors on USB", "GET /Sensors?connected"},
     {"Tell the library which device id the serial port carries, then list serial sensors",
@@ -22,7 +22,7 @@ DemoStep const kTour[] = {
 
     {"Open the spectro by device id, the monitor's built-in sensor, the colorimeter by individual id",
      "POST /Sensors/8 -> $spectro"},
-    {"", "POST /Monitors/VX2710/41A00017/Sensor -> $monitor"},
+    {"", "POST /Monitors/LMN27A/41A00017/Sensor -> $monitor"},
     {"", "POST /Sensors/Individual/00000000a1b2c3e5 -> $colori"},
     {"Open sensors and their names", "GET /Sensors"},
     {"", "GET /Sensors/Name"},
@@ -36,7 +36,7 @@ DemoStep const kTour[] = {
     {"", "PUT /Sensors/$spectro/Calibration"},
     {"Measure", "GET /Sensors/$spectro/XYZ"},
     {"Measure through the emission correction for the monitor's panel, then release it",
-     R"(PUT /Sensors/$spectro/Correction {"type":"emission","observerKey":2,"product":"VX2710","panelRevision":1})"},
+     R"(PUT /Sensors/$spectro/Correction {"type":"emission","observerKey":2,"product":"LMN27A","panelRevision":1})"},
     {"", "GET /Sensors/$spectro/XYZ"},
     {"", "DELETE /Sensors/$spectro/Correction"},
 
@@ -77,7 +77,7 @@ DemoStep const kTour[] = {
     {"", "GET /Sensors/$monitor/Correlation/Database?available"},
 
     {"The second generation monitor keeps the other family of correlation records",
-     "POST /Monitors/VX3220/52B00042/Sensor -> $monitor2"},
+     "POST /Monitors/LMN32B/52B00042/Sensor -> $monitor2"},
     {"", "GET /Sensors/$monitor2/Correlation/Data"},
 
     {"Close the spectro, then all the others", "DELETE /Sensors/$spectro"},
