@@ -1,24 +1,13 @@
 // Correlation matrices: those stored for a sensor, the one held in a monitor, and their database.
 #include "host/sensor_test_util.h"
-#include "quilljson/parser.h"
-#include "quilljson/serializer.h"
 
 namespace {
 
-using quilljson::Value;
 using namespace sensortest;
 
 // Numbers compared by their text: the journal reads whole reals back as integers.
-Value Parse(std::string const& text) {
-    Value v;
-    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
-    return v;
-}
-std::string Canon(Value const& v) {
-    return quilljson::Serializer::toText(v);
-}
 std::string CanonText(std::string const& text) {
-    return Canon(Parse(text));
+    return Text(Json(text));
 }
 
 // Eight rows whose element [r][c] is r + c / 10, and the 3x3 block they reduce to: rows 1 to 3, transposed.
@@ -26,27 +15,13 @@ std::string const kEightRows = "[[0.0,0.1,0.2],[1,1.1,1.2],[2,2.1,2.2],[3,3.1,3.
                                "[6,6.1,6.2],[7,7.1,7.2]]";
 std::string const kReduced = "[[1,2,3],[1.1,2.1,3.1],[1.2,2.2,3.2]]";
 
-class CorrelationMatrix : public host::HostTest {
-protected:
-    void SetUp() override {
-        host::HostTest::SetUp();
-        first = host::OpenMonitorSensor("LMN27A", "41A00017");  // 8x3 supported
-        second = host::OpenMonitorSensor("LMN32B", "52B00042"); // 3x3 only
-        usb = host::OpenByDeviceID(8);
-        host::ClearJournal();
-    }
-    host::Response call(host::Endpoint e, std::string const& method, std::string const& id,
-                        std::string const& query = "", std::string const& body = "") {
-        return host::Call(e, method, host::IdParams(id), query, body);
-    }
-    std::string first, second, usb;
-};
+using CorrelationMatrix = MonitorSensorsTest;
 
 TEST_F(CorrelationMatrix, ListsAppliesAndReleasesStoredMatrices) {
     ExpectBadRequest(call(::SensorCorrelationMatrix, "GET", first), "requires 'available' query.");
     EXPECT_FALSE(Called("MDGetHIDHandle"));
     ExpectOK(call(::SensorCorrelationMatrix, "GET", first, R"({"available":1})"),
-             Parse(R"([{"id":7,"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}}])"));
+             Json(R"([{"id":7,"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}}])"));
     // The monitor text as the database names the product, and the panel revision.
     EXPECT_EQ(Value("41A00017"), Arg("MDEnumCorrelationMatrix", 1));
     EXPECT_EQ(Value(3), Arg("MDEnumCorrelationMatrix", 2));
@@ -66,22 +41,22 @@ TEST_F(CorrelationMatrix, MonitorMatrixIsReadInItsOwnFormAndComparedWithTheFacto
     host::Response r = call(::SensorCorrelationMatrixData, "GET", first, R"({"checksFactoryData":"no"})");
     EXPECT_EQ(Value(true), r.value()["isFactory"]) << r.text;
     ASSERT_EQ(8u, r.value()["matrix"].size());
-    EXPECT_EQ(CanonText("[1.012,0.002,0.001]"), Canon(r.value()["matrix"][1]));
+    EXPECT_EQ(CanonText("[1.012,0.002,0.001]"), Text(r.value()["matrix"][1]));
     std::string const matrix = "[[1.021,0.004,0.002],[0.003,0.987,0.006],[0.002,0.004,1.013]]";
     r = call(::SensorCorrelationMatrixData, "GET", second, R"({"checksFactoryData":"no"})");
-    EXPECT_EQ(CanonText(R"({"isFactory":false,"matrix":)" + matrix + "}"), Canon(r.value()));
+    EXPECT_EQ(CanonText(R"({"isFactory":false,"matrix":)" + matrix + "}"), Text(r.value()));
     EXPECT_EQ(CanonText(R"({"matrix":)" + matrix + "}"),
-              Canon(call(::SensorCorrelationMatrixData, "GET", second).value()));
+              Text(call(::SensorCorrelationMatrixData, "GET", second).value()));
 }
 
 TEST_F(CorrelationMatrix, WritesEightRowsWhereSupportedElseTheTransposedBlock) {
     ExpectOK(call(::SensorCorrelationMatrixData, "PUT", first, "", R"({"matrix":)" + kEightRows + "}"),
              Value());
-    EXPECT_EQ(CanonText(kEightRows), Canon(Arg("CSSG2H_SetXYZCorrectionMatrix8DXT", 1))) << JournalText();
+    EXPECT_EQ(CanonText(kEightRows), Text(Arg("CSSG2H_SetXYZCorrectionMatrix8DXT", 1))) << JournalText();
     EXPECT_FALSE(Called("CSSG2H_SetXYZCorrectionMatrix"));
     ExpectOK(call(::SensorCorrelationMatrixData, "PUT", second, "", R"({"matrix":)" + kEightRows + "}"),
              Value());
-    EXPECT_EQ(CanonText(kReduced), Canon(Arg("CSSG2H_SetXYZCorrectionMatrix", 1))) << JournalText();
+    EXPECT_EQ(CanonText(kReduced), Text(Arg("CSSG2H_SetXYZCorrectionMatrix", 1))) << JournalText();
 
     // Fewer than eight rows: the first three as they are; lenient elements.
     host::ClearJournal();
@@ -89,7 +64,7 @@ TEST_F(CorrelationMatrix, WritesEightRowsWhereSupportedElseTheTransposedBlock) {
                   R"({"matrix":[[1,"2",true],[4],{"x":1},[9,9,9],[9,9,9],[9,9,9],[9,9,9]]})"),
              Value());
     EXPECT_EQ(CanonText("[[1,2,1],[4,0.0,0.0],[0.0,0.0,0.0]]"),
-              Canon(Arg("CSSG2H_SetXYZCorrectionMatrix", 1)));
+              Text(Arg("CSSG2H_SetXYZCorrectionMatrix", 1)));
     EXPECT_FALSE(Called("CSSG2H_SetXYZCorrectionMatrix8DXT"));
     // Matrices of the wrong shape are refused after the data set was selected.
     host::ClearJournal();
@@ -103,14 +78,10 @@ TEST_F(CorrelationMatrix, WritesEightRowsWhereSupportedElseTheTransposedBlock) {
 }
 
 TEST_F(CorrelationMatrix, DatabaseListsAndFindsTheMatrixOfTheCurrentDescription) {
-    // The database keeps the monitor texts in the positions the product adds them in.
-    std::string const entry =
-        R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
-        R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
-        R"("serial":"LMN27A"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})";
+    std::string const entry = Text(StoredEntry());
     EXPECT_EQ(CanonText("[" + entry + "]"),
-              Canon(call(::SensorCorrelationMatrixDatabase, "GET", first, R"({"available":true})").value()));
-    EXPECT_EQ(CanonText(entry), Canon(call(::SensorCorrelationMatrixDatabase, "GET", first).value()));
+              Text(call(::SensorCorrelationMatrixDatabase, "GET", first, R"({"available":true})").value()));
+    EXPECT_EQ(entry, Text(call(::SensorCorrelationMatrixDatabase, "GET", first).value()));
 
     // A description of another date no longer finds it; another reference sensor finds none.
     ExpectOK(call(::SensorCorrelationDescription, "PUT", first, "",
@@ -136,17 +107,17 @@ TEST_F(CorrelationMatrix, DatabaseAddsTheReducedMatrixOnThePriorityPage) {
     // priority 2, the truncated correlation id, the reduced matrix, no date.
     EXPECT_EQ(
         CanonText(R"([305,"QS3-41A00017",11,"LC11-88210","41A00017","LMN27A",3,1,5,)" + kReduced + ",null]"),
-        Canon(host::FirstCall("MDAddCorrelationMatrix")["args"]));
+        Text(host::FirstCall("MDAddCorrelationMatrix")["args"]));
 
     ExpectBadRequest(call(::SensorCorrelationMatrixDatabase, "POST", second, "", R"({"date":"2025-01-01"})"),
                      "matrix data type is not array.");
     host::ClearJournal();
     ExpectOK(call(::SensorCorrelationMatrixDatabase, "POST", second, "",
                   R"({"date":"2025-01-02 03:04","correlationData":{"matrix":[[1,0,0],[0,1,0],[0,0,1]]}})"),
-             Parse(R"({"id":)" + std::to_string(r.value()["id"].getInteger() + 1) + "}"));
+             Json(R"({"id":)" + std::to_string(r.value()["id"].getInteger() + 1) + "}"));
     Value const dated = host::FirstCall("MDAddCorrelationMatrix")["args"];
     EXPECT_EQ(Value(0), dated[7]); // no HZE priority: page 0
-    EXPECT_EQ(CanonText(R"({"day":2,"hour":3,"minute":4,"month":1,"year":2025})"), Canon(dated[10]));
+    EXPECT_EQ(CanonText(R"({"day":2,"hour":3,"minute":4,"month":1,"year":2025})"), Text(dated[10]));
 }
 
 } // namespace

@@ -1,23 +1,10 @@
 // Correlation corrections, the description and correlation data held in a
 // monitor's built-in sensor, and the correlation database, as a host drives them.
 #include "host/sensor_test_util.h"
-#include "quilljson/parser.h"
-#include "quilljson/serializer.h"
 
 namespace {
 
-using quilljson::Value;
 using namespace sensortest;
-
-Value Parse(std::string const& text) {
-    Value v;
-    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
-    return v;
-}
-
-std::string Text(Value const& v) {
-    return quilljson::Serializer::toText(v);
-}
 
 // The names of the journal's calls of the data set selection and of the built-in sensor.
 std::vector<std::string> SensorCalls() {
@@ -27,53 +14,32 @@ std::vector<std::string> SensorCalls() {
     return calls;
 }
 
-// The database keeps the monitor texts in the positions the product adds them in.
-Value const kStoredEntry =
-    Parse(R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
-          R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
-          R"("serial":"LMN27A"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})");
+Value const kStoredEntry = StoredEntry();
 
-class Correlation : public host::HostTest {
-protected:
-    void SetUp() override {
-        host::HostTest::SetUp();
-        open();
-    }
-    void open() {
-        first = host::OpenMonitorSensor("LMN27A", "41A00017");  // first generation, HZE priority 2
-        second = host::OpenMonitorSensor("LMN32B", "52B00042"); // second generation, luminance levels
-        usb = host::OpenByDeviceID(8);
-        host::ClearJournal();
-    }
-    host::Response call(host::Endpoint e, std::string const& method, std::string const& id,
-                        std::string const& query = "", std::string const& body = "") {
-        return host::Call(e, method, host::IdParams(id), query, body);
-    }
-    std::string first, second, usb;
-};
+using Correlation = MonitorSensorsTest;
 
 TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrectionsAndRefusesIncompleteRequests) {
     ExpectBadRequest(call(::SensorCorrelation, "GET", usb, R"({"availabl":1})"),
                      "requires 'available' query.");
     ExpectOK(call(::SensorCorrelation, "GET", usb, R"({"available":false})"),
-             Parse(R"([{"id":12,"monitor":{"product":"LMN27A","serial":"41A00017"},)"
-                   R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}}])"));
+             Json(R"([{"id":12,"monitor":{"product":"LMN27A","serial":"41A00017"},)"
+                  R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}}])"));
     ExpectOK(call(::SensorCorrelation, "GET", first, R"({"available":null})"), Value::array());
 
     ExpectOK(call(::SensorCorrelation, "PUT", usb, "", R"({"id":"12","type":"Recalc"})"), Value());
-    EXPECT_EQ(Parse("12"), Arg("MDApplyCorrelationCorrection", 1)) << JournalText();
+    EXPECT_EQ(Json("12"), Arg("MDApplyCorrelationCorrection", 1)) << JournalText();
     host::ClearJournal();
     // Not wholly a number: identifier 0, which the sensor does not know.
     ExpectDvError(call(::SensorCorrelation, "PUT", usb, "", R"({"id":"12a"})"), 0x80000005,
                   "Apply correlation correction.");
-    EXPECT_EQ(Parse("0"), Arg("MDApplyCorrelationCorrection", 1));
+    EXPECT_EQ(Json("0"), Arg("MDApplyCorrelationCorrection", 1));
 
     ExpectOK(call(::SensorCorrelation, "PUT", usb, "",
                   R"({"id":12.4,"type":"recalc","targetWhite":{"x":"0.3127","y":0.329,"Y":true}})"),
              Value());
     std::string const recalc = "MDApplyCorrelationCorrectionWithRecalcLuminanceLevelCorrection";
     Value const& white = Arg(recalc, 2);
-    EXPECT_EQ(Parse("12"), Arg(recalc, 1));
+    EXPECT_EQ(Json("12"), Arg(recalc, 1));
     EXPECT_EQ(0.3127, white["x"].asDouble()) << JournalText();
     EXPECT_EQ(0.329, white["y"].asDouble());
     EXPECT_EQ(1.0, white["Y"].asDouble());
@@ -98,21 +64,21 @@ TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrectionsAndRefusesIncomplete
 
 TEST_F(Correlation, DescriptionSelectsTheCurrentPageRoundTripsAndReleasesTheMonitor) {
     ExpectOK(call(::SensorCorrelationDescription, "GET", first),
-             Parse(R"({"date":)" + Text(kStoredEntry["date"]) + R"(,"referenceSensor":)" +
-                   Text(kStoredEntry["referenceSensor"]) + "}"));
+             Json(R"({"date":)" + Text(kStoredEntry["date"]) + R"(,"referenceSensor":)" +
+                  Text(kStoredEntry["referenceSensor"]) + "}"));
     // No data index support: the page form, index 1 for HZE priority 2.
-    EXPECT_EQ(Parse("[4097,3,0]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex")["args"]);
-    EXPECT_EQ(Parse("[4097,1,1]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex2")["args"]);
+    EXPECT_EQ(Json("[4097,3,0]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex")["args"]);
+    EXPECT_EQ(Json("[4097,1,1]"), host::FirstCall("CSSG2H_SetColorSensorDataIndex2")["args"]);
 
     std::string const longSerial(40, 'S');
     ExpectOK(call(::SensorCorrelationDescription, "PUT", first, "",
                   R"({"date":"2026-03-04 05:06:07","referenceSensor":{"deviceID":"0x13","serial":")" +
                       longSerial + "\"}}"),
              Value());
-    EXPECT_EQ(Parse(R"({"day":4,"hour":5,"minute":6,"month":3,"year":2026})"),
+    EXPECT_EQ(Json(R"({"day":4,"hour":5,"minute":6,"month":3,"year":2026})"),
               Arg("CSSG2H_SetCriterionSensorDescription", 1))
         << JournalText();
-    EXPECT_EQ(Parse("19"), Arg("CSSG2H_SetCriterionSensorDescription", 2));
+    EXPECT_EQ(Json("19"), Arg("CSSG2H_SetCriterionSensorDescription", 2));
     EXPECT_EQ(Value(longSerial.substr(0, 32)), Arg("CSSG2H_SetCriterionSensorDescription", 3));
 
     // Any one field set makes a description, even without a date.
@@ -120,7 +86,7 @@ TEST_F(Correlation, DescriptionSelectsTheCurrentPageRoundTripsAndReleasesTheMoni
              Value());
     Value const noDate = call(::SensorCorrelationDescription, "GET", first).value();
     EXPECT_EQ("0000-00-00 00:00:00", noDate["date"]["dateString"].toString(""));
-    EXPECT_EQ(Parse(R"({"deviceID":5,"serial":""})"), noDate["referenceSensor"]);
+    EXPECT_EQ(Json(R"({"deviceID":5,"serial":""})"), noDate["referenceSensor"]);
 
     ExpectOK(call(::SensorCorrelationDescription, "DELETE", first), Value());
     ExpectOK(call(::SensorCorrelationDescription, "GET", first), Value());
@@ -157,13 +123,13 @@ TEST_F(Correlation, DataReadsBothSetsUnderOneLockAndComparesThemAsText) {
     }
     EXPECT_EQ(0, depth);
     EXPECT_EQ(2, deepest); // the endpoint's hold and each step's own
-    EXPECT_EQ(Parse("[4097,0,1]"), lastPage);
+    EXPECT_EQ(Json("[4097,0,1]"), lastPage);
 
     // Second generation: the luminance levels of mode 0 (current), index 0 without HZE priority;
     // the sets differ.
     r = call(::SensorCorrelationData, "GET", second, R"({"checksFactoryData":0})");
     EXPECT_EQ(Value(false), r.value()["isFactory"]);
-    EXPECT_EQ(Parse(R"({"brightness":120.5,"dimmerOut":180})"), r.value()["luminanceLevelCorrection"])
+    EXPECT_EQ(Json(R"({"brightness":120.5,"dimmerOut":180})"), r.value()["luminanceLevelCorrection"])
         << r.text;
     EXPECT_FALSE(call(::SensorCorrelationData, "GET", second).value().contains("isFactory"));
     // With HZE priority 2 the priority levels (index 1) are read.
@@ -171,9 +137,9 @@ TEST_F(Correlation, DataReadsBothSetsUnderOneLockAndComparesThemAsText) {
     std::string const id = host::OpenMonitorSensor("LMN27C", "61C00005");
     host::ClearJournal();
     r = call(::SensorCorrelationData, "GET", id);
-    EXPECT_EQ(Parse(R"({"brightness":140.5,"dimmerOut":210})"), r.value()["luminanceLevelCorrection"])
+    EXPECT_EQ(Json(R"({"brightness":140.5,"dimmerOut":210})"), r.value()["luminanceLevelCorrection"])
         << r.text;
-    EXPECT_EQ(Parse("[4105,0,1]"), host::FirstCall("CSSG2H_GetLuminanceLevelCorrectionParams")["args"]);
+    EXPECT_EQ(Json("[4105,0,1]"), host::FirstCall("CSSG2H_GetLuminanceLevelCorrectionParams")["args"]);
 }
 
 TEST_F(Correlation, DataWritesOnlyTheNamedPartsOfTheSensorsFamily) {
@@ -183,14 +149,14 @@ TEST_F(Correlation, DataWritesOnlyTheNamedPartsOfTheSensorsFamily) {
     Value body = Value::object();
     body["correctionData"] = current["correctionData"];
     body["luminanceLevelCorrection"] = current["luminanceLevelCorrection"];
-    body["reference"] = Parse(R"({"dimmerOut":1})");
+    body["reference"] = Json(R"({"dimmerOut":1})");
     host::ClearJournal();
     ExpectOK(call(::SensorCorrelationData, "PUT", second, "", Text(body)), Value());
     EXPECT_EQ((std::vector<std::string>{
                   "SetColorSensorDataIndex", "SetColorSensorCorrectionData", "SendColorSensorCorrectionData",
                   "SupportedLuminanceLevelCorrectionParams", "SetLuminanceLevelCorrectionParams"}),
               SensorCalls());
-    EXPECT_EQ(Parse("[4098,0,0,120.5,0]"),
+    EXPECT_EQ(Json("[4098,0,0,120.5,0]"),
               host::FirstCall("CSSG2H_SetLuminanceLevelCorrectionParams")["args"]);
     Value const back = call(::SensorCorrelationData, "GET", second).value();
     EXPECT_EQ(Value(2.5), back["correctionData"]["gamma"]);
@@ -225,7 +191,7 @@ TEST_F(Correlation, DatabaseListsAndAddsEntries) {
     Value list = Value::array();
     list.append(kStoredEntry);
     ExpectOK(call(::SensorCorrelationDatabase, "GET", first, R"({"available":0})"), list);
-    EXPECT_EQ(Parse(R"([305,"QS3-41A00017",0])"), host::FirstCall("MDEnumCorrelationInfo")["args"]);
+    EXPECT_EQ(Json(R"([305,"QS3-41A00017",0])"), host::FirstCall("MDEnumCorrelationInfo")["args"]);
 
     SimInjectResult("MDGetCorrelationDataDate", static_cast<int32_t>(0x8000000B));
     Value const listed = call(::SensorCorrelationDatabase, "GET", first, R"({"available":0})").value();
@@ -246,12 +212,12 @@ TEST_F(Correlation, DatabaseListsAndAddsEntries) {
     int64_t const id = r.value()["id"].getInteger();
 
     ExpectOK(call(::SensorCorrelationDatabase, "POST", second, "", R"({"date":null})"),
-             Parse(R"({"id":)" + std::to_string(id + 1) + "}"));
+             Json(R"({"id":)" + std::to_string(id + 1) + "}"));
     EXPECT_TRUE(Called("MDAddCSSG2CorrelationDataEx"));
     EXPECT_FALSE(Called("MDAddCSSG2CorrelationDataWithDateEx"));
     ExpectOK(call(::SensorCorrelationDatabase, "POST", second, "", R"({"date":"2025-04-05 06:07"})"),
-             Parse(R"({"id":)" + std::to_string(id + 2) + "}"));
-    EXPECT_EQ(Parse(R"({"day":5,"hour":6,"minute":7,"month":4,"year":2025})"),
+             Json(R"({"id":)" + std::to_string(id + 2) + "}"));
+    EXPECT_EQ(Json(R"({"day":5,"hour":6,"minute":7,"month":4,"year":2025})"),
               host::FirstCall("MDAddCSSG2CorrelationDataWithDateEx")["args"][8]);
 
     SimInjectResult("MDAddCSSG2CorrelationDataEx", static_cast<int32_t>(0x80000004));
@@ -270,9 +236,9 @@ TEST_F(Correlation, DatabaseFindsTheEntryEqualToTheCurrentDataWithinTolerance) {
     ExpectOK(call(::SensorCorrelationDatabase, "GET", first), kStoredEntry);
     ExpectOK(
         call(::SensorCorrelationDatabase, "GET", second),
-        Parse(R"({"date":{"dateString":"2025-02-14 16:05:00","day":14,"hour":16,"minute":5,"month":2,)"
-              R"("year":2025},"id":2,"monitor":{"panelRevision":1,"product":"52B00042","serial":"LMN32B"},)"
-              R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}})"));
+        Json(R"({"date":{"dateString":"2025-02-14 16:05:00","day":14,"hour":16,"minute":5,"month":2,)"
+             R"("year":2025},"id":2,"monitor":{"panelRevision":1,"product":"52B00042","serial":"LMN32B"},)"
+             R"("referenceSensor":{"deviceID":11,"serial":"LC11-88210"}})"));
 
     Value data = call(::SensorCorrelationData, "GET", first).value();
     data["reference"]["ambientTemperature"] = data["reference"]["ambientTemperature"].asDouble() + 5e-6;
@@ -285,8 +251,8 @@ TEST_F(Correlation, DatabaseFindsTheEntryEqualToTheCurrentDataWithinTolerance) {
     // Entries are walked in order: the first equal one answers.
     Value body = Value::object();
     body["correlationData"] = data;
-    body["referenceSensor"] = Parse(R"({"deviceID":8,"serial":"LS8-20419"})");
-    body["date"] = Parse(R"({"year":2025,"month":3,"day":1,"hour":12,"minute":0})");
+    body["referenceSensor"] = Json(R"({"deviceID":8,"serial":"LS8-20419"})");
+    body["date"] = Json(R"({"year":2025,"month":3,"day":1,"hour":12,"minute":0})");
     Value const added = call(::SensorCorrelationDatabase, "POST", first, "", Text(body)).value();
     call(::SensorCorrelationDatabase, "POST", first, "", Text(body));
     host::Response const found = call(::SensorCorrelationDatabase, "GET", first);

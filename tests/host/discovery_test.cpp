@@ -2,7 +2,6 @@
 // mappings, library set-up, the control panel and closing every sensor.
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -30,11 +29,6 @@ void Map(std::string const& mappings) {
               Call(::Sensors, "PUT", "", "", R"({"serialMappings":)" + mappings + "}").text);
 }
 
-size_t Count(std::string const& function) {
-    auto const names = host::JournalFunctions();
-    return static_cast<size_t>(std::count(names.begin(), names.end(), function));
-}
-
 class Discovery : public host::HostTest {};
 
 } // namespace
@@ -44,8 +38,8 @@ TEST_F(Discovery, ConnectedDevicesWhenTheKeyIsPresent) {
         R"([{"deviceID":8,"individualID":"00000000a1b2c3d4"},{"deviceID":11,"individualID":"00000000a1b2c3e5"}])";
     EXPECT_EQ(connected, Value(Call(::Sensors, "GET", "", R"({"connected":false})")));
     EXPECT_EQ(connected, Value(Call(::Sensors, "GET", "", R"({"serialConnected":1,"connected":null})")));
-    EXPECT_EQ(6u, Count("MDEnumConnectedDevices")); // twice up to the first gap
-    EXPECT_EQ(0u, Count("TvkCreateUSBDeviceSnapshot"));
+    EXPECT_EQ(6u, host::CallCount("MDEnumConnectedDevices")); // twice up to the first gap
+    EXPECT_EQ(0u, host::CallCount("TvkCreateUSBDeviceSnapshot"));
 
     // Otherwise the open sensors, also for a query that is no object.
     EXPECT_EQ("[]", Value(Call(::Sensors, "GET", "", R"(["connected"])")));
@@ -54,7 +48,7 @@ TEST_F(Discovery, ConnectedDevicesWhenTheKeyIsPresent) {
 TEST_F(Discovery, NamesByDeviceIDOrOfTheOpenSensors) {
     EXPECT_EQ(R"(["Lumetra Colori 11","Lumetra Colori 19","","Lumetra Spectro 8"])",
               Value(Call(::SensorsName, "GET", "", R"({"deviceIDs":"11,19,,x,8"})")));
-    EXPECT_EQ(4u, Count("MDGetNameFromDeviceID"));
+    EXPECT_EQ(4u, host::CallCount("MDGetNameFromDeviceID"));
     EXPECT_EQ("[11]", Serializer::toText(host::FirstCall("MDGetNameFromDeviceID")["args"]));
 
     EXPECT_EQ("[]", Value(Call(::SensorsName, "GET")));
@@ -69,11 +63,11 @@ TEST_F(Discovery, SerialAdaptersFollowTheHostsMappings) {
     int32_t id = -1;
     EXPECT_EQ("[]", SerialConnected());
     EXPECT_EQ(kNoMoreData, MirelEnumConnectedSerialSensors(0, &id));
-    EXPECT_EQ(0u, Count("TvkCreateUSBDeviceSnapshot")); // nothing mapped, nothing to look for
+    EXPECT_EQ(0u, host::CallCount("TvkCreateUSBDeviceSnapshot")); // nothing mapped, nothing to look for
 
     Map(R"({"usbserial-LX21A":"0x15","Orbin USB Hub":3.6,"Quorra Monitor Hub":"12abc","Elsewhere":true})");
     EXPECT_EQ(R"([{"deviceID":4},{"deviceID":21},{"deviceID":0}])", SerialConnected()); // bus order
-    EXPECT_EQ(1u, Count("TvkReleaseSnapshot"));
+    EXPECT_EQ(1u, host::CallCount("TvkReleaseSnapshot"));
 
     EXPECT_EQ(1, MirelEnumConnectedSerialSensors(0, &id));
     EXPECT_EQ(4, id);
@@ -150,7 +144,7 @@ TEST_F(Discovery, DeleteAndTearDownCloseEverySensor) {
             ::TearDown();
         else
             EXPECT_EQ("null", Value(Call(::Sensors, "DELETE")));
-        EXPECT_EQ(2u, Count("MDClose"));
+        EXPECT_EQ(2u, host::CallCount("MDClose"));
         EXPECT_EQ("[]", Value(Call(::Sensors, "GET")));
         void* handle = &handle;
         EXPECT_FALSE(SensorControlGetHandleForID(usb.c_str(), &handle));

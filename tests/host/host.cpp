@@ -1,5 +1,6 @@
 #include "host/host.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -7,13 +8,15 @@
 #include "quilljson/serializer.h"
 
 namespace quilljson {
-void PrintTo(Value const& value, std::ostream* out) { *out << Serializer::toText(value); }
+void PrintTo(Value const& value, std::ostream* out) {
+    *out << Serializer::toText(value);
+}
 } // namespace quilljson
 
 namespace host {
 
-Response Call(Endpoint endpoint, std::string const& method, std::string const& params, std::string const& query,
-              std::string const& body) {
+Response Call(Endpoint endpoint, std::string const& method, std::string const& params,
+              std::string const& query, std::string const& body) {
     std::string request = method.empty() ? std::string() : "{\"method\":\"" + method + "\"}";
     uint32_t id = endpoint(request.c_str(), params.c_str(), query.c_str(), body.c_str());
     Response r;
@@ -28,7 +31,9 @@ Response Call(Endpoint endpoint, std::string const& method, std::string const& p
     return r;
 }
 
-std::string IdParams(std::string const& id) { return "{\"id\":\"" + id + "\"}"; }
+std::string IdParams(std::string const& id) {
+    return "{\"id\":\"" + id + "\"}";
+}
 
 std::string OpenByDeviceID(uint32_t deviceID) {
     Response r = Call(::DeviceID, "POST", "{\"deviceID\":\"" + std::to_string(deviceID) + "\"}");
@@ -65,15 +70,21 @@ std::vector<std::string> JournalFunctions() {
     return names;
 }
 
+size_t CallCount(std::string const& function) {
+    auto const names = JournalFunctions();
+    return static_cast<size_t>(std::count(names.begin(), names.end(), function));
+}
+
 quilljson::Value FirstCall(std::string const& function) {
     quilljson::Value const journal = Journal();
     for (auto const& call : journal.arrayRef())
-        if (call["function"].toString("") == function)
-            return call;
+        if (call["function"].toString("") == function) return call;
     return quilljson::Value();
 }
 
-void ClearJournal() { SimClearJournal(); }
+void ClearJournal() {
+    SimClearJournal();
+}
 
 quilljson::Value World() {
     quilljson::Value world;
@@ -81,7 +92,9 @@ quilljson::Value World() {
     return world;
 }
 
-void LoadScenario(std::string const& json) { ASSERT_EQ(0, SimLoadScenario(json.c_str())) << json; }
+void LoadScenario(std::string const& json) {
+    ASSERT_EQ(0, SimLoadScenario(json.c_str())) << json;
+}
 
 void LoadScenarioFile(std::string const& name) {
     std::ifstream file(std::string(TEST_SOURCE_DIR) + "/sim/scenarios/" + name);
@@ -98,6 +111,8 @@ void HostTest::SetUp() {
     SimClearJournal();
 }
 
-void HostTest::TearDown() { ::TearDown(); }
+void HostTest::TearDown() {
+    ::TearDown();
+}
 
 } // namespace host

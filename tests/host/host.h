@@ -47,6 +47,7 @@ std::string OpenMonitorSensor(std::string const& product, std::string const& ser
 // The device-call journal of the simulator.
 quilljson::Value Journal();
 std::vector<std::string> JournalFunctions(); // function names in call order
+size_t CallCount(std::string const& function);
 // The first journal entry of that function ({"function":..., "args": [...]}), or null.
 quilljson::Value FirstCall(std::string const& function);
 void ClearJournal();

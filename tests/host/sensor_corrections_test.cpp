@@ -5,21 +5,10 @@ namespace {
 
 using namespace sensortest;
 
-class SensorCorrections : public host::HostTest {
+class SensorCorrections : public SensorTest {
 protected:
-    void SetUp() override {
-        host::HostTest::SetUp();
-        id = host::OpenByDeviceID(8);
-        host::ClearJournal();
-    }
-    host::Response put(host::Endpoint e, std::string const& body) {
-        return host::Call(e, "PUT", host::IdParams(id), "", body);
-    }
-    host::Response getEx(std::string const& query) {
-        return host::Call(::SensorExCorrection, "GET", host::IdParams(id), query);
-    }
+    host::Response getEx(std::string const& query) { return get(::SensorExCorrection, query); }
     Value correction() { return host::World()["devices"][0]["correction"]; }
-    std::string id;
 };
 
 TEST_F(SensorCorrections, TypeSelectsTheCorrectionPlainByDefault) {

@@ -7,29 +7,23 @@ namespace {
 
 using namespace sensortest;
 
-class SensorMeasurement : public host::HostTest {};
+using SensorMeasurement = SensorTest;
 
 TEST_F(SensorMeasurement, DeviceAnswersXYZRawXYZAndThreeRawValues) {
-    std::string id = host::OpenByDeviceID(8);
-    ExpectOK(host::Call(::SensorXYZ, "GET", host::IdParams(id)),
-             Json(R"({"XYZ":{"X":95.0429,"Y":100.0137,"Z":108.8812},
-                      "rawXYZ":{"X":0.950429,"Y":1.000137,"Z":1.088812}})"));
-    ExpectOK(host::Call(::SensorRawData, "GET", host::IdParams(id)),
-             Json(R"({"rawData":[0.3127,0.329,0.2481]})"));
+    ExpectOK(get(::SensorXYZ), Json(R"({"XYZ":{"X":95.0429,"Y":100.0137,"Z":108.8812},
+                                       "rawXYZ":{"X":0.950429,"Y":1.000137,"Z":1.088812}})"));
+    ExpectOK(get(::SensorRawData), Json(R"({"rawData":[0.3127,0.329,0.2481]})"));
 
     // The mode and the correction set through the endpoints reach the reading.
-    ExpectOK(host::Call(::SensorMode, "PUT", host::IdParams(id), "", R"({"mode":2,"observerKey":1})"),
-             Value());
-    ExpectOK(host::Call(::SensorCorrection, "PUT", host::IdParams(id), "",
-                        R"({"type":"paperWhite","observerKey":1})"),
-             Value());
-    host::Response r = host::Call(::SensorXYZ, "GET", host::IdParams(id));
+    ExpectOK(put(::SensorMode, R"({"mode":2,"observerKey":1})"), Value());
+    ExpectOK(put(::SensorCorrection, R"({"type":"paperWhite","observerKey":1})"), Value());
+    host::Response r = get(::SensorXYZ);
     EXPECT_NEAR(100.0137 * 1.02 * 0.997, r.value()["XYZ"]["Y"].getDouble(), 1e-9) << r.text;
     EXPECT_EQ(Value(1.000137), r.value()["rawXYZ"]["Y"]) << r.text;
 }
 
 TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
-    std::string id = host::OpenMonitorSensor("LMN27A", "41A00017");
+    id = host::OpenMonitorSensor("LMN27A", "41A00017");
     struct {
         host::Endpoint endpoint;
         char const* function;
@@ -43,7 +37,7 @@ TEST_F(SensorMeasurement, BuiltinReadingsAreTakenUnderTheMonitorLock) {
     for (auto const& c : cases) {
         SCOPED_TRACE(c.function);
         host::ClearJournal();
-        ExpectOK(host::Call(c.endpoint, "GET", host::IdParams(id)), Json(c.value));
+        ExpectOK(get(c.endpoint), Json(c.value));
         EXPECT_EQ(Value(4097), Arg(c.function, 0)) << "the HID handle, not the device handle";
         auto calls = Functions();
         auto lock = std::find(calls.begin(), calls.end(), "DvCtrlLockMonitor");

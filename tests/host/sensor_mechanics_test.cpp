@@ -9,21 +9,7 @@ namespace {
 
 using namespace sensortest;
 
-class SensorMechanics : public host::HostTest {
-protected:
-    void SetUp() override {
-        host::HostTest::SetUp();
-        id = host::OpenByDeviceID(8);
-        host::ClearJournal();
-    }
-    host::Response get(host::Endpoint e, std::string const& query = "", std::string const& sensor = "") {
-        return host::Call(e, "GET", host::IdParams(sensor.empty() ? id : sensor), query);
-    }
-    host::Response put(host::Endpoint e, std::string const& body) {
-        return host::Call(e, "PUT", host::IdParams(id), "", body);
-    }
-    std::string id;
-};
+using SensorMechanics = SensorTest;
 
 TEST_F(SensorMechanics, ArmNeedsSupportsQueryAndABooleanBody) {
     ExpectBadRequest(get(::SensorArm), "requires 'supports' query.");
@@ -48,7 +34,7 @@ TEST_F(SensorMechanics, SupportsQueryAnswersTheCapabilityOnly) {
     for (auto const& c : cases) {
         host::ClearJournal();
         ExpectOK(get(c.endpoint, R"({"supports":null})"), Value(true));
-        ExpectOK(get(c.endpoint, R"({"supports":null})", plain), Value(false));
+        ExpectOK(host::Call(c.endpoint, "GET", host::IdParams(plain), R"({"supports":null})"), Value(false));
         if (c.reader == nullptr) continue;
         SCOPED_TRACE(c.reader);
         EXPECT_FALSE(Called(c.reader));
@@ -127,19 +113,17 @@ TEST_F(SensorMechanics, DeviceOptionsDependOnTheModel) {
     EXPECT_EQ(Value("OPT_CALMODE"), Arg("MDSetDeviceOptionValue", 1));
     EXPECT_EQ(Value(7), get(::SensorDeviceOption).value()["calibrationMode"]);
 
-    std::string colori = host::OpenByDeviceID(11);
-    ExpectOK(host::Call(::SensorDeviceOption, "PUT", host::IdParams(colori), "", R"({"calibrationSet":2.5})"),
-             Value());
-    ExpectOK(get(::SensorDeviceOption, "", colori), Json(R"({"calibrationSet":3})"));
+    id = host::OpenByDeviceID(11);
+    ExpectOK(put(::SensorDeviceOption, R"({"calibrationSet":2.5})"), Value());
+    ExpectOK(get(::SensorDeviceOption), Json(R"({"calibrationSet":3})"));
 }
 
 // Model 12 may write its calibration set but does not report it.
 TEST_F(SensorMechanics, CalibrationSetWritableButNotReadableOnSomeModels) {
     LoadEditedWorld([](Value& world) { world["devices"][1]["deviceID"] = 12; });
-    std::string model12 = host::OpenByDeviceID(12);
-    ExpectOK(get(::SensorDeviceOption, "", model12), Value::object());
-    ExpectOK(host::Call(::SensorDeviceOption, "PUT", host::IdParams(model12), "", R"({"calibrationSet":3})"),
-             Value());
+    id = host::OpenByDeviceID(12);
+    ExpectOK(get(::SensorDeviceOption), Value::object());
+    ExpectOK(put(::SensorDeviceOption, R"({"calibrationSet":3})"), Value());
     EXPECT_EQ(Value(3), host::World()["devices"][1]["options"]["OPT_CALIBRATIONSET"]);
 }
 

@@ -5,18 +5,9 @@ namespace {
 
 using namespace sensortest;
 
-class SensorPresence : public host::HostTest {
+class SensorPresence : public SensorTest {
 protected:
-    void SetUp() override {
-        host::HostTest::SetUp();
-        id = host::OpenMonitorSensor("LMN27A", "41A00017");
-        host::ClearJournal();
-    }
-    host::Response get(host::Endpoint e) { return host::Call(e, "GET", host::IdParams(id)); }
-    host::Response put(host::Endpoint e, std::string const& body) {
-        return host::Call(e, "PUT", host::IdParams(id), "", body);
-    }
-    std::string id;
+    std::string open() override { return host::OpenMonitorSensor("LMN27A", "41A00017"); }
 };
 
 TEST_F(SensorPresence, OnOffTakesBooleansAndNumbersAndAnswersANumber) {

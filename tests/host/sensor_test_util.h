@@ -42,9 +42,13 @@ inline void ExpectOK(host::Response const& r, Value const& value) {
     EXPECT_TRUE(r.error().isNull()) << r.text;
 }
 
+inline std::string Text(Value const& v) {
+    return quilljson::Serializer::toText(v);
+}
+
 constexpr auto Functions = &host::JournalFunctions; // names of the device calls, in order
 inline std::string JournalText() {
-    return quilljson::Serializer::toText(host::Journal());
+    return Text(host::Journal());
 }
 using host::FirstCall;
 // The argument at index of the first call of function (null when not called).
@@ -63,5 +67,52 @@ template <typename Edit> void LoadEditedWorld(Edit edit) {
 }
 
 constexpr uint32_t kFailed = 0x80000000;
+
+// One sensor open (by default the spectrometer, device 8) under id; get and put address it.
+class SensorTest : public host::HostTest {
+protected:
+    void SetUp() override {
+        host::HostTest::SetUp();
+        id = open();
+        host::ClearJournal();
+    }
+    virtual std::string open() { return host::OpenByDeviceID(8); }
+    host::Response get(host::Endpoint e, std::string const& query = "") {
+        return host::Call(e, "GET", host::IdParams(id), query);
+    }
+    host::Response put(host::Endpoint e, std::string const& body) {
+        return host::Call(e, "PUT", host::IdParams(id), "", body);
+    }
+    std::string id;
+};
+
+// The built-in sensors of a first-generation monitor (HZE priority 2, 8x3 matrices) and of a
+// second-generation one (luminance levels, 3x3 matrices only), and a stand-alone device.
+class MonitorSensorsTest : public host::HostTest {
+protected:
+    void SetUp() override {
+        host::HostTest::SetUp();
+        open();
+    }
+    void open() {
+        first = host::OpenMonitorSensor("LMN27A", "41A00017");
+        second = host::OpenMonitorSensor("LMN32B", "52B00042");
+        usb = host::OpenByDeviceID(8);
+        host::ClearJournal();
+    }
+    host::Response call(host::Endpoint e, std::string const& method, std::string const& sensor,
+                        std::string const& query = "", std::string const& body = "") {
+        return host::Call(e, method, host::IdParams(sensor), query, body);
+    }
+    std::string first, second, usb;
+};
+
+// The entry the default world's correlation databases hold for the first monitor, with the
+// monitor texts in the positions the product adds them in.
+inline Value StoredEntry() {
+    return Json(R"({"date":{"dateString":"2025-01-10 09:30:00","day":10,"hour":9,"minute":30,)"
+                R"("month":1,"year":2025},"id":1,"monitor":{"panelRevision":3,"product":"41A00017",)"
+                R"("serial":"LMN27A"},"referenceSensor":{"deviceID":8,"serial":"LS8-20419"}})");
+}
 
 } // namespace sensortest
