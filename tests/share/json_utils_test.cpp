@@ -2,34 +2,11 @@
 
 #include <cstring>
 
-#include "quilljson/parser.h"
-#include "quilljson/serializer.h"
 #include "share/json_utils.h"
+#include "support.h"
 
 using quilljson::Value;
 using namespace tovel;
-
-namespace {
-
-Value Parse(std::string const& text) {
-    Value v;
-    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
-    return v;
-}
-
-std::string Text(Value const& v) {
-    return quilljson::Serializer::toText(v);
-}
-
-// Gives the i-th double of a record of doubles the value start + step * i.
-template <typename T> void FillDoubles(T* record, double start, double step = 1.0) {
-    static_assert(sizeof(T) % sizeof(double) == 0, "a record of doubles");
-    double* d = reinterpret_cast<double*>(record);
-    for (size_t i = 0; i < sizeof(T) / sizeof(double); ++i)
-        d[i] = start + step * static_cast<double>(i);
-}
-
-} // namespace
 
 TEST(DateJson, WritesTheRequestedMembersAndReadsLeniently) {
     DateTime const dt(2024, 5, 7, 10, 11, 12, 13);

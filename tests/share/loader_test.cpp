@@ -45,25 +45,18 @@ TEST(Loaders, MissingLibrariesAnswer404WithTheirMessage) {
         setenv("HALVERN_EXPORTS_PATH", exports.c_str(), 1);
         setenv("LORVANT_LOG_FILE", logFile.c_str(), 1);
 
+        std::pair<char const*, std::string> const misses[] = {
+            {"libquorSensor", Miss<tovel::libquorSensorLoader>()},
+            {"torvik", Miss<tovel::torvikLoader>()},
+            {"libdvc", Miss<tovel::libdvcLoader>()},
+            {"libpallast", Miss<tovel::libpallastLoader>()},
+            {"libcorvane", Miss<tovel::libcorvaneLoader>()}};
         std::string failures;
-        failures += Mismatch(
-            "libquorSensor",
-            std::string("404 FunctionNotFoundError libquorSensor does not have a requested function."),
-            Miss<tovel::libquorSensorLoader>());
-        failures += Mismatch(
-            "torvik", std::string("404 FunctionNotFoundError torvik does not have a requested function."),
-            Miss<tovel::torvikLoader>());
-        failures += Mismatch(
-            "libdvc", std::string("404 FunctionNotFoundError libdvc does not have a requested function."),
-            Miss<tovel::libdvcLoader>());
-        failures +=
-            Mismatch("libpallast",
-                     std::string("404 FunctionNotFoundError libpallast does not have a requested function."),
-                     Miss<tovel::libpallastLoader>());
-        failures +=
-            Mismatch("libcorvane",
-                     std::string("404 FunctionNotFoundError libcorvane does not have a requested function."),
-                     Miss<tovel::libcorvaneLoader>());
+        for (auto const& [name, answer] : misses)
+            failures += Mismatch(name,
+                                 "404 FunctionNotFoundError " + std::string(name) +
+                                     " does not have a requested function.",
+                                 answer);
         failures += Mismatch("loader open", false, tovel::torvikLoader::loader().isOpen());
 
         // Without the logging library a request behaves the same and nothing is logged.

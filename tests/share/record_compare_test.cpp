@@ -4,27 +4,14 @@
 #include <functional>
 #include <vector>
 
-#include "quilljson/parser.h"
-#include "quilljson/serializer.h"
 #include "share/json_utils.h"
 #include "share/record_compare.h"
+#include "support.h"
 
 using quilljson::Value;
 using namespace tovel;
 
 namespace {
-
-Value Parse(std::string const& text) {
-    Value v;
-    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
-    return v;
-}
-
-template <typename T> void FillDoubles(T* record, double start) {
-    double* d = reinterpret_cast<double*>(record);
-    for (size_t i = 0; i < sizeof(T) / sizeof(double); ++i)
-        d[i] = start + 1.5 * static_cast<double>(i);
-}
 
 Value Add(Value const& v, double delta) {
     return Value(v.asDouble() + delta);
@@ -40,7 +27,7 @@ void ExpectChanges(Value const& base, bool (*equals)(Value const&, Value const&)
                    std::vector<Change> const& cases) {
     EXPECT_TRUE(equals(base, base));
     for (Change const& c : cases) {
-        Value changed = Parse(quilljson::Serializer::toText(base)); // a private deep copy
+        Value changed = Parse(Text(base)); // a private deep copy
         c.apply(changed);
         EXPECT_EQ(equals(base, changed), c.stillEqual) << c.what;
     }
@@ -99,9 +86,9 @@ TEST(RecordEquals, SecondGenerationMembersUseTheirOwnRules) {
     d.calibrationData.criterionBrightness = 120.0;
     d.calibrationData.criterionTemperature = 6500.0;
     d.calibrationData.coefficientType = 2;
-    FillDoubles(&d.calibrationData.calibration, 1.25);
-    FillDoubles(&d.calibrationData.measurement, 10.25);
-    FillDoubles(&d.correctionData, 100.25);
+    FillDoubles(&d.calibrationData.calibration, 1.25, 1.5);
+    FillDoubles(&d.calibrationData.measurement, 10.25, 1.5);
+    FillDoubles(&d.correctionData, 100.25, 1.5);
     d.luminanceLevelCorrection.brightness = 80.0;
     d.luminanceLevelCorrection.dimmerOut = 300;
 
@@ -138,9 +125,9 @@ TEST(RecordEquals, FirstGenerationMembersUseTheirOwnRules) {
     d.reference =
         R2XC_RefParamFromJson(Parse(R"({"ambientTemperature":25,"setTemperature":6500,"dimmerOut":40,)"
                                     R"("tone":{"red":1,"green":2,"blue":3}})"));
-    FillDoubles(&d.referenceTone, 0.75);
-    FillDoubles(&d.normalizedMeasurement, 5.25);
-    FillDoubles(&d.toneCorrection, 50.25);
+    FillDoubles(&d.referenceTone, 0.75, 1.5);
+    FillDoubles(&d.normalizedMeasurement, 5.25, 1.5);
+    FillDoubles(&d.toneCorrection, 50.25, 1.5);
 
     ExpectChanges(
         ToJson(d), MDIFSv3CorrelationDataEquals,

@@ -13,7 +13,27 @@
 #include <sstream>
 #include <string>
 
+#include "quilljson/parser.h"
+#include "quilljson/serializer.h"
 #include "share/bridge.h"
+
+inline quilljson::Value Parse(std::string const& text) {
+    quilljson::Value v;
+    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
+    return v;
+}
+
+inline std::string Text(quilljson::Value const& v) {
+    return quilljson::Serializer::toText(v);
+}
+
+// Gives the i-th double of a record of doubles the value start + step * i.
+template <typename T> void FillDoubles(T* record, double start, double step = 1.0) {
+    static_assert(sizeof(T) % sizeof(double) == 0, "a record of doubles");
+    double* d = reinterpret_cast<double*>(record);
+    for (size_t i = 0; i < sizeof(T) / sizeof(double); ++i)
+        d[i] = start + step * static_cast<double>(i);
+}
 
 inline void RunIsolatedCheck(std::function<std::string()> const& check) {
     std::string const failure = check();
@@ -22,10 +42,10 @@ inline void RunIsolatedCheck(std::function<std::string()> const& check) {
     _exit(failure.empty() ? 0 : 1);
 }
 
-#define EXPECT_ISOLATED(check)                                                                               \
+#define EXPECT_ISOLATED(...)                                                                                 \
     do {                                                                                                     \
         ::testing::GTEST_FLAG(death_test_style) = "threadsafe";                                              \
-        EXPECT_EXIT(RunIsolatedCheck(check), ::testing::ExitedWithCode(0), "");                              \
+        EXPECT_EXIT(RunIsolatedCheck(__VA_ARGS__), ::testing::ExitedWithCode(0), "");                        \
     } while (false)
 
 // "expected X, got Y" when they differ.
