@@ -42,14 +42,12 @@ TEST(JsonToInt32, ReadsEveryKindLeniently) {
         int32_t expected;
     } const cases[] = {
         {Value(true), 1},
-        {Value(false), 0},
         {Value(2147483647L), 2147483647},
         {Value(-2147483648L), -2147483647 - 1},
         {Value(2147483648L), 0},
         {Value(-2147483649L), 0},
         {Value(5.5), 6},
         {Value(-5.5), -6},
-        {Value(5.4), 5},
         {Value(2147483647.4), 2147483647},
         {Value(2147483647.5), 0},
         {Value(-2147483648.4), -2147483647 - 1},
@@ -57,8 +55,7 @@ TEST(JsonToInt32, ReadsEveryKindLeniently) {
         {Value("2024"), 2024},
         {Value("0x1F"), 31},
         {Value("017"), 15},
-        {Value("-12"), -12},
-        {Value(" 12"), 12},
+        {Value(" -12"), -12},
         {Value("12 "), 0},
         {Value("12abc"), 0},
         {Value("4294967296"), 0},
@@ -66,7 +63,6 @@ TEST(JsonToInt32, ReadsEveryKindLeniently) {
         {Value(""), 0},
         {Value(), 0},
         {Value::object(), 0},
-        {Value::array(), 0},
     };
     for (auto const& c : cases)
         EXPECT_EQ(tovel::JsonToInt32(c.value), c.expected)

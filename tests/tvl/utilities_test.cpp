@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <set>
 #include <thread>
 
@@ -31,30 +32,20 @@ TEST(StringUtils, SplitDropsEmptyPiecesAndAppends) {
 
 TEST(StringUtils, ReplaceAllNeverSearchesReplacedText) {
     EXPECT_EQ(Replaced("aaa", "a", "aa"), "aaaaaa");
-    EXPECT_EQ(Replaced("a.b.c", ".", ""), "abc");
     EXPECT_EQ(Replaced("xyxy", "xy", "xy"), "xyxy");
-    EXPECT_EQ(Replaced("abcabc", "bc", "-"), "a-a-");
+    EXPECT_EQ(Replaced("abcabc", "bc", ""), "aa");
 }
 
 TEST(StringUtils, NumbersReadLikeStreamExtraction) {
     EXPECT_EQ(string::to<int>("42abc"), 42);
     EXPECT_EQ(string::to<int>("abc"), 0);
-    EXPECT_EQ(string::to<int>(" 7"), 7);
-    EXPECT_EQ(string::to<int>("-12"), -12);
+    EXPECT_EQ(string::to<int>(" -7"), -7);
     EXPECT_EQ(string::to<int>("5-"), 5);
     EXPECT_EQ(string::to<unsigned int>("4294967295"), 4294967295u);
     EXPECT_EQ(string::to<unsigned long>("18446744073709551615"), 18446744073709551615ul);
     EXPECT_EQ(string::to_pointer("0x1f"), reinterpret_cast<void*>(0x1f));
     EXPECT_EQ(string::to_pointer("ff"), reinterpret_cast<void*>(0xff));
     EXPECT_EQ(string::to_pointer("zz"), nullptr);
-}
-
-TEST(StringUtils, HexIsLowerCaseAndPadded) {
-    EXPECT_EQ(string::hex<unsigned long>(255, 4), "00ff");
-    EXPECT_EQ(string::hex<long>(-1, 2), "ffffffffffffffff");
-    EXPECT_EQ(string::hex<unsigned long>(4096, 0), "1000");
-    EXPECT_EQ(string::hex<long>(0x80000001L, 8), "80000001");
-    EXPECT_EQ(string::hex<long>(0, 8), "00000000");
 }
 
 TEST(Path, KeepsNoTrailingSeparator) {
@@ -97,18 +88,11 @@ TEST(Locks, AreRecursive) {
 }
 
 TEST(Uuid, IsLowerCaseTextAndFresh) {
+    std::regex const form("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{12}");
     std::set<std::string> seen;
     for (int i = 0; i < 100; ++i) {
         std::string const id = uuid::create();
-        ASSERT_EQ(id.size(), 36u);
-        for (size_t k = 0; k < id.size(); ++k) {
-            if (k == 8 || k == 13 || k == 18 || k == 23)
-                EXPECT_EQ(id[k], '-');
-            else
-                EXPECT_TRUE(isxdigit(static_cast<unsigned char>(id[k])) &&
-                            !isupper(static_cast<unsigned char>(id[k])))
-                    << id;
-        }
+        EXPECT_TRUE(std::regex_match(id, form)) << id;
         seen.insert(id);
     }
     EXPECT_EQ(seen.size(), 100u);
