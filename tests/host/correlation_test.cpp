@@ -58,8 +58,6 @@ TEST_F(Correlation, ListsAppliesAndReleasesStoredCorrectionsAndRefusesIncomplete
         call(::SensorCorrelation, "PUT", usb, "", R"({"id":12,"type":"recalc","targetWhite":{"x":1,"y":1}})"),
         "targetWhite must have x, y, Y.");
     EXPECT_EQ(std::vector<std::string>{}, Functions()) << JournalText();
-    ExpectDvError(call(::SensorCorrelationDescription, "GET", usb), kFailed, "Get HID handle.");
-    ExpectDvError(call(::SensorCorrelationData, "PUT", usb, "", "{}"), kFailed, "Get HID handle.");
 }
 
 TEST_F(Correlation, DescriptionSelectsTheCurrentPageRoundTripsAndReleasesTheMonitor) {

@@ -46,9 +46,11 @@ TEST_F(SensorPresence, BuiltinEndpointsNeedTheHIDHandleFirst) {
         ExpectDvError(host::Call(e, "PUT", host::IdParams(usb), "", "\"bad\""), kFailed, "Get HID handle.");
         ExpectDvError(host::Call(e, "GET", host::IdParams(usb)), kFailed, "Get HID handle.");
     }
-    for (host::Endpoint e : {::SensorRGB, ::SensorIR, ::SensorXYZWithoutCorrelation})
+    for (host::Endpoint e :
+         {::SensorRGB, ::SensorIR, ::SensorXYZWithoutCorrelation, ::SensorCorrelationDescription,
+          ::SensorCorrelationData, ::SensorCorrelationMatrixData})
         ExpectDvError(host::Call(e, "GET", host::IdParams(usb)), kFailed, "Get HID handle.");
-    EXPECT_EQ(std::vector<std::string>(7, "MDGetHIDHandle"), Functions());
+    EXPECT_EQ(std::vector<std::string>(10, "MDGetHIDHandle"), Functions());
 }
 
 } // namespace

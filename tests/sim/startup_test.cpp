@@ -1,8 +1,6 @@
 // The world a process starts with: the built-in default, or the file named by
 // SENSORSIM_SCENARIO. Each case runs in a child process, which writes the
 // world it found to a file for the parent to compare.
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,8 +8,6 @@
 #include <cstdlib>
 
 #include "sim_test_util.h"
-
-extern char** environ;
 
 namespace {
 
@@ -26,25 +22,15 @@ Value StartChild(std::string const& scenario, std::string* errors) {
     EXPECT_NE(nullptr, mkdtemp(folder));
     std::string const out = std::string(folder) + "/world.json";
     std::string const err = std::string(folder) + "/stderr";
-    std::vector<std::string> env;
-    for (char** e = environ; *e != nullptr; ++e)
-        if (std::string(*e).rfind("SENSORSIM_SCENARIO=", 0) != 0) env.push_back(*e);
-    env.push_back(std::string(kOutput) + "=" + out);
-    if (!scenario.empty()) env.push_back("SENSORSIM_SCENARIO=" + scenario);
-    std::vector<char*> envp;
-    for (auto& e : env)
-        envp.push_back(&e[0]);
-    envp.push_back(nullptr);
-    std::string self = "/proc/self/exe";
-    std::string filter = "--gtest_filter=StartupChild.*";
-    char* argv[] = {&self[0], &filter[0], nullptr};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    EXPECT_EQ(0, posix_spawn(&pid, "/proc/self/exe", &actions, nullptr, argv, envp.data()));
-    posix_spawn_file_actions_destroy(&actions);
+    pid_t const pid = fork();
+    if (pid == 0) {
+        setenv(kOutput, out.c_str(), 1);
+        scenario.empty() ? unsetenv("SENSORSIM_SCENARIO") : setenv("SENSORSIM_SCENARIO", scenario.c_str(), 1);
+        if (freopen(err.c_str(), "w", stderr) == nullptr || freopen("/dev/null", "w", stdout) == nullptr)
+            _exit(126);
+        execl("/proc/self/exe", "sim_tests", "--gtest_filter=StartupChild.*", static_cast<char*>(nullptr));
+        _exit(127);
+    }
     int status = 0;
     EXPECT_EQ(pid, waitpid(pid, &status, 0));
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
