@@ -37,10 +37,10 @@ char const kUriInvalid[] = R"({"error":{"message":"URI is invalid.","name":"BadR
 } // namespace
 
 TEST(Requests, NoTextBreaksARequest) {
-    size_t const depth = 1000000;
+    constexpr size_t depth = 1000000;
     std::string const nested = std::string(depth, '[') + std::string(depth, ']');
     std::string const unclosed = std::string(depth, '{') + "\"";
-    std::string const objects = [depth] {
+    std::string const objects = [] {
         std::string s;
         for (size_t i = 0; i < depth / 10; ++i)
             s += "{\"method\":";
