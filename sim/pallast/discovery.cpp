@@ -11,6 +11,7 @@ int32_t MDEnumConnectedDevices(uint32_t index, MDDeviceID* deviceID, uint64_t* i
     for (sim::Device const& device : call.world().devices) {
         if (!device.usb) continue;
         if (position++ != index) continue;
+        if (device.enumerationFails) return -1;
         if (deviceID != nullptr) *deviceID = device.deviceID;
         if (individualID != nullptr) *individualID = device.individualID;
         return 0;

@@ -68,7 +68,8 @@ struct Device {
     uint64_t individualID = 0;
     std::string name;
     std::string serial;
-    bool usb = true; // listed by MDEnumConnectedDevices
+    bool usb = true;               // listed by MDEnumConnectedDevices
+    bool enumerationFails = false; // its index answers "no device" though it is on the bus
     Capabilities capabilities;
     Spectrum spectrum;
 

@@ -157,6 +157,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
     d.name = f.text("name", "");
     d.serial = f.text("serial", "");
     d.usb = f.boolean("usb", d.usb);
+    d.enumerationFails = f.boolean("enumerationFails", false);
     {
         Fields c(f.any("capabilities"), f.path("capabilities"));
         Capabilities& k = d.capabilities;

@@ -55,6 +55,7 @@ Value writeDevice(Device const& d) {
     j["name"] = d.name;
     j["serial"] = d.serial;
     j["usb"] = d.usb;
+    j["enumerationFails"] = d.enumerationFails;
     Capabilities const& k = d.capabilities;
     Value& c = j["capabilities"];
     c["validConnection"] = k.validConnection;

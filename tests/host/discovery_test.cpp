@@ -41,6 +41,15 @@ TEST_F(Discovery, ConnectedDevicesWhenTheKeyIsPresent) {
     EXPECT_EQ(6u, host::CallCount("MDEnumConnectedDevices")); // twice up to the first gap
     EXPECT_EQ(0u, host::CallCount("TvkCreateUSBDeviceSnapshot"));
 
+    // Enumeration ends at the first index without a device, even when a later one has one.
+    host::LoadScenario(
+        R"({"devices":[{"deviceID":3,"individualID":"3"},{"deviceID":4,"enumerationFails":true},)"
+        R"({"deviceID":5,"individualID":"5"}]})");
+    host::ClearJournal();
+    EXPECT_EQ(R"([{"deviceID":3,"individualID":"0000000000000003"}])",
+              Value(Call(::Sensors, "GET", "", R"({"connected":1})")));
+    EXPECT_EQ(2u, host::CallCount("MDEnumConnectedDevices"));
+
     // Otherwise the open sensors, also for a query that is no object.
     EXPECT_EQ("[]", Value(Call(::Sensors, "GET", "", R"(["connected"])")));
 }
