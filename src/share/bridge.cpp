@@ -147,11 +147,13 @@ char const* const kBridgeHostSegment = "/sensorbridge.tovelworks.net/";
 Bridge::Bridge() : uri(kBridgeHostSegment) {}
 
 void Bridge::onEndBridge(BridgeData const& data, BridgeResult const& result) {
+    MirelLogger& logger = MirelLogger::Instance();
+    if (!logger.bound()) return;
     std::string word = methodText(data.request, "GET");
     for (char& c : word)
         c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     if (word != "PUT" && word != "POST" && word != "DELETE") word = "GET";
-    MirelLogger::Instance().logResult(uri, word, result);
+    logger.logResult(uri, word, result);
 }
 
 uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char const* parameters,

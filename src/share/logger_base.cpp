@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <sstream>
 
 #include "devices/halvern.h"
 #include "share/bridge_result.h"
@@ -37,34 +36,46 @@ void LoggerBase::setup() {
     path.appendPathComponent("liblorvant2");
     if (!library_.load(fs::Path(path.string() + SENSORCONTROL_LIBRARY_SUFFIX))) return;
     void* getLogger = library_.symbol("lorvant_get_logger");
-    if (getLogger != nullptr) logger_ = reinterpret_cast<GetLoggerFunction>(getLogger)();
+    if (getLogger == nullptr) return;
+    logger_ = reinterpret_cast<GetLoggerFunction>(getLogger)();
+    log_ = library_.symbol("lorvant_log");
 }
 
 void LoggerBase::log(LorvantLevel level, std::string const& message) {
-    if (logger_ == nullptr) return;
-    void* function = library_.symbol("lorvant_log");
-    if (function == nullptr) return;
-    reinterpret_cast<LogFunction>(function)(logger_, name_.c_str(), static_cast<int32_t>(level),
-                                            message.c_str());
+    if (!bound()) return;
+    reinterpret_cast<LogFunction>(log_)(logger_, name_.c_str(), static_cast<int32_t>(level), message.c_str());
 }
 
 std::string LoggerBase::resultLine(std::string const& uri, std::string const& method,
                                    BridgeResult const& result, LorvantLevel* level) {
-    std::ostringstream line;
-    line << "statusCode:" << result.status << "\tmethod:" << method << "\turi:" << uri;
+    std::string line;
+    line.reserve(64 + method.size() + uri.size() + result.error.name.size() + result.error.message.size());
+    line += "statusCode:";
+    line += std::to_string(result.status);
+    line += "\tmethod:";
+    line += method;
+    line += "\turi:";
+    line += uri;
     if (result.status - 200u <= 99u) {
-        line << "\tmsg:Success";
+        line += "\tmsg:Success";
         if (level != nullptr) *level = LorvantLevelSuccess;
     } else {
-        line << "\terr:" << result.error.name << "\tmsg:" << result.error.message;
+        line += "\terr:";
+        line += result.error.name;
+        line += "\tmsg:";
+        line += result.error.message;
         quilljson::Value const& code = result.error.value["code"];
-        if (code.isNumber()) line << "\tcode:" << string::hex<long>(codeOf(code), 8);
+        if (code.isNumber()) {
+            line += "\tcode:";
+            line += string::hex<long>(codeOf(code), 8);
+        }
         if (level != nullptr) *level = LorvantLevelError;
     }
-    return line.str();
+    return line;
 }
 
 void LoggerBase::logResult(std::string const& uri, std::string const& method, BridgeResult const& result) {
+    if (!bound()) return;
     LorvantLevel level = LorvantLevelError;
     std::string const line = resultLine(uri, method, result, &level);
     log(level, line);
