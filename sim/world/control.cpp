@@ -69,10 +69,7 @@ uint32_t SimGetJournal(char* buffer, uint32_t length) {
     std::string text;
     {
         std::lock_guard<std::recursive_mutex> lock(s.mutex);
-        quilljson::Value journal = quilljson::Value::array();
-        for (auto const& entry : s.journal)
-            journal.append(entry);
-        text = quilljson::Serializer::toText(journal);
+        text = quilljson::Serializer::toText(s.journal.toJson());
     }
     return copyOut(text, buffer, length);
 }

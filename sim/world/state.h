@@ -3,13 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "quilljson/value.h"
+#include "world/journal.h"
 #include "world/model.h"
 
 namespace sim {
@@ -24,15 +26,18 @@ struct OpenSensor {
 };
 
 struct State {
-    static constexpr size_t kJournalLimit = 10000;
-
     std::recursive_mutex mutex;
     World world;
     std::map<uintptr_t, OpenSensor> handles;
     uintptr_t nextHandle = 0x5E000000;
-    std::deque<quilljson::Value> journal; // the last kJournalLimit calls
-    std::map<std::string, int32_t> injections;
+    Journal journal;
+    std::map<std::string, int32_t, std::less<>> injections;
     std::set<std::string> interned;
+
+    // Argument buffers of the calls in progress, one per nesting level of the
+    // thread that holds the lock; kept, so a call allocates nothing once warm.
+    std::vector<std::unique_ptr<std::string>> argumentBuffers;
+    size_t callDepth = 0;
 };
 
 // The state, with its world loaded on first use (SENSORSIM_SCENARIO or the

@@ -8,7 +8,6 @@
 #include <sstream>
 
 #include "quilljson/parser.h"
-#include "world/record_json.h"
 #include "world/state.h"
 
 namespace sim {
@@ -85,66 +84,72 @@ std::string fieldText(char const* field, size_t size) {
     return field == nullptr ? std::string() : std::string(field, strnlen(field, size));
 }
 
-struct Call::Impl {
-    State& state;
-    std::unique_lock<std::recursive_mutex> lock;
-    std::string function;
-    Value args = Value::array();
-    explicit Impl(char const* name) : state(sim::state()), lock(state.mutex), function(name) {}
-};
+namespace {
 
-Call::Call(char const* function) : impl_(new Impl(function)) {}
+State& lockedState() {
+    State& s = state();
+    s.mutex.lock();
+    return s;
+}
+
+std::string& argumentBuffer(State& s) {
+    if (s.callDepth == s.argumentBuffers.size()) s.argumentBuffers.push_back(std::make_unique<std::string>());
+    std::string& buffer = *s.argumentBuffers[s.callDepth++];
+    buffer.clear();
+    return buffer;
+}
+
+} // namespace
+
+Call::Call(char const* function)
+    : state_(lockedState()), function_(function), args_(argumentBuffer(state_)) {}
 
 Call::~Call() {
-    Value entry = Value::object();
-    entry["function"] = impl_->function;
-    entry["args"] = impl_->args;
-    auto& journal = impl_->state.journal;
-    journal.push_back(entry);
-    while (journal.size() > State::kJournalLimit)
-        journal.pop_front();
-    delete impl_;
+    try {
+        state_.journal.append(function_, args_);
+    } catch (...) {
+        // Out of memory: the call goes unrecorded rather than the lock held.
+    }
+    --state_.callDepth;
+    state_.mutex.unlock();
 }
 
 Call& Call::num(int64_t value) {
-    impl_->args.append(Value(static_cast<long>(value)));
+    pack::integer(args_, value);
     return *this;
 }
 Call& Call::unum(uint64_t value) {
-    impl_->args.append(Value(static_cast<unsigned long>(value)));
+    pack::unsignedInteger(args_, value);
     return *this;
 }
 Call& Call::real(double value) {
-    impl_->args.append(Value(value));
+    pack::real(args_, value);
     return *this;
 }
 Call& Call::reals(double const* values, size_t count) {
-    impl_->args.append(values == nullptr ? Value() : toJson(values, count));
+    pack::reals(args_, values, count);
     return *this;
 }
 Call& Call::rows(double const* values, size_t rows) {
-    Value matrix = values == nullptr ? Value() : Value::array();
-    for (size_t r = 0; values != nullptr && r < rows; ++r)
-        matrix.append(toJson(values + 3 * r, 3));
-    impl_->args.append(matrix);
+    pack::rows(args_, values, rows);
     return *this;
 }
 Call& Call::text(char const* value) {
-    impl_->args.append(value == nullptr ? Value() : Value(value));
+    pack::text(args_, value);
     return *this;
 }
 Call& Call::handle(void const* value) {
-    impl_->args.append(Value(static_cast<unsigned long>(reinterpret_cast<uintptr_t>(value))));
+    pack::unsignedInteger(args_, reinterpret_cast<uintptr_t>(value));
     return *this;
 }
 Call& Call::null() {
-    impl_->args.append(Value());
+    pack::null(args_);
     return *this;
 }
 
 #define SIM_RECORD_ARG(Type)                                                                                 \
     Call& Call::record(Type const& value) {                                                                  \
-        impl_->args.append(toJson(value));                                                                   \
+        pack::record(args_, value);                                                                          \
         return *this;                                                                                        \
     }
 SIM_RECORD_ARG(colour)
@@ -163,37 +168,38 @@ SIM_RECORD_ARG(MDCSSG2CorrelationDataEx)
 #undef SIM_RECORD_ARG
 
 bool Call::injected(DvError* out) const {
-    auto const found = impl_->state.injections.find(impl_->function);
-    if (found == impl_->state.injections.end()) return false;
+    if (state_.injections.empty()) return false;
+    auto const found = state_.injections.find(function_);
+    if (found == state_.injections.end()) return false;
     if (out != nullptr) *out = DvError{found->second};
     return true;
 }
 
 World& Call::world() {
-    return impl_->state.world;
+    return state_.world;
 }
 
 void* Call::open(Device const& device) {
-    State& s = impl_->state;
+    State& s = state_;
     uintptr_t const value = s.nextHandle += 0x10;
     s.handles[value] = OpenSensor{false, device.deviceID, device.individualID, 0};
     return reinterpret_cast<void*>(value);
 }
 
 void* Call::openBuiltin(Monitor const& monitor) {
-    State& s = impl_->state;
+    State& s = state_;
     uintptr_t const value = s.nextHandle += 0x10;
     s.handles[value] = OpenSensor{true, monitor.sensor.deviceID, 0, monitor.hidHandle};
     return reinterpret_cast<void*>(value);
 }
 
 bool Call::close(void* handle) {
-    return impl_->state.handles.erase(reinterpret_cast<uintptr_t>(handle)) != 0;
+    return state_.handles.erase(reinterpret_cast<uintptr_t>(handle)) != 0;
 }
 
 Device* Call::device(void* handle) {
-    auto const found = impl_->state.handles.find(reinterpret_cast<uintptr_t>(handle));
-    if (found == impl_->state.handles.end()) return nullptr;
+    auto const found = state_.handles.find(reinterpret_cast<uintptr_t>(handle));
+    if (found == state_.handles.end()) return nullptr;
     OpenSensor const& open = found->second;
     if (open.builtin) {
         Monitor* monitor = monitorByHid(hidPointer(open.hidHandle));
@@ -205,8 +211,8 @@ Device* Call::device(void* handle) {
 }
 
 Monitor* Call::monitorOfSensor(void* handle) {
-    auto const found = impl_->state.handles.find(reinterpret_cast<uintptr_t>(handle));
-    if (found == impl_->state.handles.end() || !found->second.builtin) return nullptr;
+    auto const found = state_.handles.find(reinterpret_cast<uintptr_t>(handle));
+    if (found == state_.handles.end() || !found->second.builtin) return nullptr;
     return monitorByHid(hidPointer(found->second.hidHandle));
 }
 
@@ -226,7 +232,7 @@ Monitor* Call::monitorByNames(char const* first, char const* second) {
 }
 
 char const* Call::intern(std::string const& text) {
-    return impl_->state.interned.insert(text).first->c_str();
+    return state_.interned.insert(text).first->c_str();
 }
 
 } // namespace sim

@@ -31,6 +31,8 @@
 
 namespace sim {
 
+struct State;
+
 // Result codes the stand-ins answer with.
 namespace code {
 constexpr int32_t kOK = 0;
@@ -103,8 +105,9 @@ public:
     char const* intern(std::string const& text);
 
 private:
-    struct Impl;
-    Impl* impl_;
+    State& state_; // locked for the call's lifetime
+    char const* function_;
+    std::string& args_; // packed input arguments (journal.h), in a buffer the world reuses
 };
 
 // Helpers for fixed character fields.
