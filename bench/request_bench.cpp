@@ -7,6 +7,7 @@
 // --benchmark_enable_random_interleaving then compare cases within one run.
 #include <benchmark/benchmark.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -88,10 +89,20 @@ bool RunRoundTrips(std::string const& id, int count) {
     return true;
 }
 
+struct Times {
+    double wall = -1; // seconds; negative on failure
+    double cpu = 0;   // seconds of CPU, user and system, of the whole process
+};
+
+double ProcessCpuSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
 // In a fresh child: set up, open one sensor per thread, warm up, then time
-// kRoundTrips round trips on each of `threads` threads. Answers the wall time
-// in seconds, negative on failure.
-double ChildRun(Logging logging, int threads, int count = kRoundTrips) {
+// kRoundTrips round trips on each of `threads` threads.
+Times ChildRun(Logging logging, int threads, int count = kRoundTrips) {
     setenv("HALVERN_EXPORTS_PATH", (logging == Logging::None ? ExportsWithoutLogger() : LibraryDir()).c_str(),
            1);
     setenv("LORVANT_LOG_FILE", LogFile().c_str(), 1);
@@ -99,8 +110,9 @@ double ChildRun(Logging logging, int threads, int count = kRoundTrips) {
     std::vector<std::string> ids;
     for (int t = 0; t < threads; ++t) {
         ids.push_back(OpenSensor());
-        if (ids.back().empty() || !RunRoundTrips(ids.back(), kWarmUp)) return -1;
+        if (ids.back().empty() || !RunRoundTrips(ids.back(), kWarmUp)) return Times();
     }
+    double const cpuStart = ProcessCpuSeconds();
     auto const start = std::chrono::steady_clock::now();
     std::vector<std::thread> workers;
     std::vector<char> ok(threads, 0);
@@ -108,10 +120,12 @@ double ChildRun(Logging logging, int threads, int count = kRoundTrips) {
         workers.emplace_back([&, t] { ok[t] = RunRoundTrips(ids[t], count); });
     for (auto& worker : workers)
         worker.join();
-    double const seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    Times times;
+    times.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    times.cpu = ProcessCpuSeconds() - cpuStart;
     for (char good : ok)
-        if (!good) return -1;
-    return seconds;
+        if (!good) return Times();
+    return times;
 }
 
 struct Child {
@@ -128,8 +142,8 @@ Child Spawn(Logging logging, int threads) {
         close(result[0]);
         close(go[1]);
         char byte;
-        double seconds = read(go[0], &byte, 1) == 1 ? ChildRun(logging, threads) : -1;
-        if (write(result[1], &seconds, sizeof seconds) != sizeof seconds) _exit(1);
+        Times const times = read(go[0], &byte, 1) == 1 ? ChildRun(logging, threads) : Times();
+        if (write(result[1], &times, sizeof times) != sizeof times) _exit(1);
         _exit(0);
     }
     close(result[1]);
@@ -137,20 +151,24 @@ Child Spawn(Logging logging, int threads) {
     return Child{pid, result[0], go[1]};
 }
 
-double Collect(Child const& child) {
-    double seconds = -1;
-    if (read(child.result, &seconds, sizeof seconds) != sizeof seconds) seconds = -1;
+Times Collect(Child const& child) {
+    Times times;
+    if (read(child.result, &times, sizeof times) != sizeof times) times = Times();
     close(child.result);
     close(child.go);
     int status = 0;
     waitpid(child.pid, &status, 0);
-    return seconds;
+    return times;
 }
 
 // Runs `processes` children of `threads` threads at once; the iteration time is
 // the wall time of the slowest divided by all round trips, so it reads as the
-// time per round trip of the whole machine (lower is more throughput).
+// time per round trip of the whole machine (lower is more throughput). The
+// counter cpu_ns is the CPU time per round trip, which a loaded machine
+// disturbs less than the wall time.
 void Measure(benchmark::State& state, Logging logging, int processes, int threads) {
+    double const roundTrips = static_cast<double>(kRoundTrips) * processes * threads;
+    double cpu = 0;
     for (auto _ : state) {
         if (truncate(LogFile().c_str(), 0) != 0 && errno != ENOENT) std::perror("truncate");
         std::vector<Child> children;
@@ -160,15 +178,17 @@ void Measure(benchmark::State& state, Logging logging, int processes, int thread
             if (write(child.go, "g", 1) != 1) std::abort();
         double slowest = 0;
         for (Child const& child : children) {
-            double const seconds = Collect(child);
-            if (seconds < 0) {
+            Times const times = Collect(child);
+            if (times.wall < 0) {
                 state.SkipWithError("a child failed");
                 return;
             }
-            slowest = seconds > slowest ? seconds : slowest;
+            slowest = times.wall > slowest ? times.wall : slowest;
+            cpu += times.cpu;
         }
-        state.SetIterationTime(slowest / (static_cast<double>(kRoundTrips) * processes * threads));
+        state.SetIterationTime(slowest / roundTrips);
     }
+    state.counters["cpu_ns"] = 1e9 * cpu / (roundTrips * static_cast<double>(state.iterations()));
 }
 
 void RoundTripWithoutLogger(benchmark::State& state) {
@@ -203,7 +223,7 @@ BENCHMARK(TwoProcessesWithFileLogger)->UseManualTime()->Iterations(3)->Unit(benc
 // callgrind or perf: `valgrind --tool=callgrind build/bin/request_bench --profile`.
 int main(int argc, char** argv) {
     if (argc >= 2 && std::string(argv[1]) == "--profile")
-        return ChildRun(argc >= 3 ? Logging::File : Logging::None, 1, 20000) < 0 ? 1 : 0;
+        return ChildRun(argc >= 3 ? Logging::File : Logging::None, 1, 20000).wall < 0 ? 1 : 0;
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -31,18 +31,42 @@ int openLogFile() {
     return fd >= 0 ? fd : STDERR_FILENO;
 }
 
-// "YYYY-MM-DD hh:mm:ss" of the local time; localtime_r is dear, so each thread
-// keeps the text of the last second it formatted.
+constexpr size_t kSecondLength = 19; // "YYYY-MM-DD hh:mm:ss"
+
+// The local time to the second; localtime_r is dear, so each thread keeps the
+// text of the last second it formatted.
 char const* secondStamp(time_t seconds) {
     thread_local time_t cachedSecond = -1;
     thread_local char cached[32];
     if (seconds != cachedSecond) {
         tm local{};
         localtime_r(&seconds, &local);
-        std::strftime(cached, sizeof cached, "%Y-%m-%d %H:%M:%S", &local);
+        if (std::strftime(cached, sizeof cached, "%Y-%m-%d %H:%M:%S", &local) != kSecondLength)
+            std::snprintf(cached, sizeof cached, "%19s", "");
         cachedSecond = seconds;
     }
     return cached;
+}
+
+char* put(char* out, char const* text, size_t length) {
+    std::memcpy(out, text, length);
+    return out + length;
+}
+
+// The decimal text of a level (snprintf costs more than the rest of the line).
+size_t decimal(char* out, int32_t value) {
+    char digits[12];
+    size_t n = 0;
+    int64_t v = value < 0 ? -static_cast<int64_t>(value) : value;
+    do {
+        digits[n++] = static_cast<char>('0' + v % 10);
+        v /= 10;
+    } while (v != 0);
+    size_t length = 0;
+    if (value < 0) out[length++] = '-';
+    while (n > 0)
+        out[length++] = digits[--n];
+    return length;
 }
 
 void writeWhole(int fd, char const* text, size_t length) {
@@ -69,28 +93,31 @@ void lorvant_log(void* logger, char const* name, int32_t level, char const* mess
     gettimeofday(&now, nullptr);
     char const* const who = name != nullptr ? name : "";
     char const* const what = message != nullptr ? message : "";
-    size_t const messageLength = std::strlen(what);
+    size_t const whoLength = std::strlen(who);
+    size_t const whatLength = std::strlen(what);
+    char levelText[16];
+    size_t const levelLength = decimal(levelText, level);
 
-    // Short lines are put together on the stack; longer ones on the heap.
-    char line[1024];
+    // "<stamp>.mmm [<name>] level <n>: <message>\n", on the stack when short.
+    size_t const total = kSecondLength + 4 + 2 + whoLength + 8 + levelLength + 2 + whatLength + 1;
+    char shortLine[1024];
     std::string longLine;
+    char* const line = total <= sizeof shortLine ? shortLine : &(longLine = std::string(total, ' '))[0];
     char* out = line;
-    size_t room = sizeof line;
-    for (;;) {
-        int const head = std::snprintf(out, room, "%s.%03ld [%s] level %d: ", secondStamp(now.tv_sec),
-                                       static_cast<long>(now.tv_usec / 1000), who, static_cast<int>(level));
-        if (head < 0) return;
-        size_t const total = static_cast<size_t>(head) + messageLength + 1;
-        if (total < room) { // snprintf needs room for its terminating zero
-            std::memcpy(out + head, what, messageLength);
-            out[head + messageLength] = '\n';
-            writeWhole(static_cast<Logger*>(logger)->fd, out, total);
-            return;
-        }
-        longLine.resize(total + 1);
-        out = &longLine[0];
-        room = total + 1;
-    }
+    out = put(out, secondStamp(now.tv_sec), kSecondLength);
+    long const ms = static_cast<long>(now.tv_usec / 1000);
+    *out++ = '.';
+    *out++ = static_cast<char>('0' + ms / 100);
+    *out++ = static_cast<char>('0' + ms / 10 % 10);
+    *out++ = static_cast<char>('0' + ms % 10);
+    out = put(out, " [", 2);
+    out = put(out, who, whoLength);
+    out = put(out, "] level ", 8);
+    out = put(out, levelText, levelLength);
+    out = put(out, ": ", 2);
+    out = put(out, what, whatLength);
+    *out++ = '\n';
+    writeWhole(static_cast<Logger*>(logger)->fd, line, static_cast<size_t>(out - line));
 }
 
 } // extern "C"

@@ -1,8 +1,10 @@
 #include "share/bridge.h"
 
+#include <atomic>
 #include <cctype>
 #include <cstring>
 #include <map>
+#include <utility>
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -19,10 +21,13 @@ struct BridgeResponse {
 
 // The promise counter and the responses, behind one lock. Never destroyed, so
 // a host thread still calling while the process exits finds it intact.
+// Host threads meet here on every request, so the lock is held only to link
+// and unlink map nodes: nodes are made, filled, read and freed outside it.
 struct ResponseStore {
+    using Map = std::map<uint32_t, BridgeResponse>;
     CriticalSection lock;
-    uint32_t counter = 0;
-    std::map<uint32_t, BridgeResponse> responses;
+    std::atomic<uint32_t> counter{0}; // wraps at 2^32 like the plain counter it stands for
+    Map responses;
 };
 
 ResponseStore& store() {
@@ -36,7 +41,8 @@ char const kUnknownErrorResponse[] =
 // A text that does not parse leaves the field null, whatever the parser built.
 quilljson::Value parseText(char const* text) {
     quilljson::Value parsed;
-    if (text == nullptr) return parsed;
+    if (text == nullptr || text[0] == '\0') return parsed; // nothing to parse, so null
+
     if (!quilljson::Parser().parse(&parsed, nullptr, text, text + std::strlen(text)))
         return quilljson::Value();
     return parsed;
@@ -55,21 +61,23 @@ uint32_t BridgeTemplate::operator()(char const* request, char const* parameters,
     uint32_t const id = BridgeHelperCreatePromiseID();
     BridgeResult const result = execute(request, parameters, query, data);
 
-    quilljson::Value response = quilljson::Value::object();
+    // A non-finite number stops the serializer; what it wrote so far is kept.
+    std::string text;
     if (result.error.empty()) {
-        response["error"] = quilljson::Value();
+        // The envelope of a success is fixed around the value: written as it stands.
+        text.reserve(256);
+        text = "{\"error\":null,\"value\":";
+        if (quilljson::Serializer::serialize(text, result.value)) text += '}';
     } else {
+        quilljson::Value response = quilljson::Value::object();
         quilljson::Value& error = response["error"];
         error = result.error.value;
         error["name"] = result.error.name;
         error["message"] = result.error.message;
+        response["value"] = result.value;
+        quilljson::Serializer::serialize(text, response);
     }
-    response["value"] = result.value;
-
-    // A non-finite number stops the serializer; what it wrote so far is kept.
-    std::string text;
-    quilljson::Serializer::serialize(text, response);
-    BridgeHelperSetResponse(id, result.status, text);
+    BridgeHelperSetResponse(id, result.status, std::move(text));
     return id;
 }
 
@@ -179,33 +187,42 @@ uint32_t AnswerUnknownError() noexcept {
 } // namespace tovel
 
 uint32_t BridgeHelperCreatePromiseID() {
-    ResponseStore& s = store();
-    CriticalSectionLocker locker(&s.lock);
-    return ++s.counter;
+    return store().counter.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
-void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string const& text) {
+void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string text) {
     ResponseStore& s = store();
-    CriticalSectionLocker locker(&s.lock);
-    s.responses[id] = BridgeResponse{status, text};
+    ResponseStore::Map staging;
+    staging.emplace(id, BridgeResponse{status, std::move(text)});
+    ResponseStore::Map::node_type node = staging.extract(staging.begin());
+    {
+        CriticalSectionLocker locker(&s.lock);
+        auto const entry = s.responses.find(id);
+        if (entry != s.responses.end())
+            std::swap(entry->second, node.mapped()); // replaces; the old goes below
+        else
+            s.responses.insert(std::move(node));
+    }
 }
 
 uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length) {
     if (length == nullptr) return 500;
     ResponseStore& s = store();
-    CriticalSectionLocker locker(&s.lock);
-    auto const entry = s.responses.find(id);
-    if (entry == s.responses.end()) return 500;
-    std::string const& text = entry->second.text;
-    _BridgeStatusCode const status = entry->second.status;
-    uint32_t const n = static_cast<uint32_t>(text.size());
-    if (buffer == nullptr) {
-        *length = n + 1;
-        return status;
+    ResponseStore::Map::node_type node;
+    {
+        CriticalSectionLocker locker(&s.lock);
+        auto const entry = s.responses.find(id);
+        if (entry == s.responses.end()) return 500;
+        if (buffer == nullptr) {
+            *length = static_cast<uint32_t>(entry->second.text.size()) + 1;
+            return entry->second.status;
+        }
+        node = s.responses.extract(entry);
     }
+    std::string const& text = node.mapped().text;
+    uint32_t const n = static_cast<uint32_t>(text.size());
     uint32_t const copy = *length < n ? *length : n;
     std::memset(buffer, 0, *length);
     std::memcpy(buffer, text.data(), copy);
-    s.responses.erase(entry);
-    return status;
+    return node.mapped().status;
 }

@@ -61,7 +61,7 @@ uint32_t RunEndpoint(char const* request, char const* parameters, char const* qu
 
 // Response store.
 uint32_t BridgeHelperCreatePromiseID();
-void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string const& text);
+void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string text);
 extern "C" uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length);
 
 namespace tovel {

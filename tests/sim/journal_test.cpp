@@ -71,7 +71,7 @@ TEST_F(Journal, KeepsOnlyTheLatestCalls) {
     EXPECT_EQ(Value(10004), journal[9999]["args"][0]);
 }
 
-TEST_F(Journal, CallsFromManyThreadsAreAllRecorded) {
+TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
     std::vector<std::thread> threads;
     std::vector<std::vector<void*>> opened(4);
     for (int t = 0; t < 4; ++t)

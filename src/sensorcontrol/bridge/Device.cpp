@@ -17,8 +17,8 @@ void* GetMDHandle(BridgeData const& data, std::string* uri, std::string const& r
     }
 
     // Built before any check, so that a refused request is logged with it.
-    *uri += "Sensors/" + id;
-    if (!resource.empty()) *uri += "/" + resource;
+    uri->append("Sensors/").append(id);
+    if (!resource.empty()) uri->append(1, '/').append(resource);
 
     if (id.empty()) throw BadRequest("URI is invalid.");
     void* handle = device::SensorCache::Instance().handle(id);

@@ -1,0 +1,82 @@
+// The logging stand-in appends whole lines to its file, whoever writes.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "devices/lorvant.h"
+
+namespace {
+
+// Messages of a few sizes: on the stack, on the heap, beyond a pipe's atomic size.
+std::string Message(int writer, int i) {
+    static size_t const kSizes[] = {10, 2000, 70000};
+    return "w" + std::to_string(writer) + " " + std::string(kSizes[i % 3], static_cast<char>('a' + writer));
+}
+
+constexpr int kProcesses = 2, kThreads = 2, kLines = 300;
+
+// Two processes of two threads each log at once into one file.
+void WriteFromChildren(std::string const& file) {
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+        pid_t const pid = fork();
+        if (pid == 0) {
+            setenv("LORVANT_LOG_FILE", file.c_str(), 1);
+            void* logger = lorvant_get_logger();
+            std::vector<std::thread> threads;
+            for (int t = 0; t < kThreads; ++t)
+                threads.emplace_back([=] {
+                    for (int i = 0; i < kLines; ++i)
+                        lorvant_log(logger, "Mirel", 2 + t, Message(p * kThreads + t, i).c_str());
+                });
+            for (auto& thread : threads)
+                thread.join();
+            _exit(0);
+        }
+        children.push_back(pid);
+    }
+    for (pid_t pid : children) {
+        int status = 0;
+        waitpid(pid, &status, 0);
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+}
+
+} // namespace
+
+TEST(LogFile, ConcurrentWritersNeverSplitOrMixLines) {
+    std::string const file = "/tmp/sim_log_test." + std::to_string(getpid());
+    WriteFromChildren(file);
+    std::ifstream in(file);
+    std::regex const head(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[Mirel\] level (\d+): w(\d+) )");
+    std::map<int, int> linesOf; // writer -> lines seen
+    int bad = 0;
+    for (std::string line; std::getline(in, line);) {
+        std::smatch m;
+        if (!std::regex_search(line, m, head) || m.position(0) != 0) {
+            ++bad;
+            continue;
+        }
+        int const writer = std::stoi(m[2]);
+        std::string const body = line.substr(m.length(0));
+        bool const whole = (body.size() == 10 || body.size() == 2000 || body.size() == 70000) &&
+                           body.find_first_not_of(static_cast<char>('a' + writer)) == std::string::npos &&
+                           std::stoi(m[1]) == 2 + writer % kThreads;
+        if (whole)
+            ++linesOf[writer];
+        else
+            ++bad;
+    }
+    unlink(file.c_str());
+    EXPECT_EQ(0, bad);
+    for (int writer = 0; writer < kProcesses * kThreads; ++writer)
+        EXPECT_EQ(kLines, linesOf[writer]) << "writer " << writer;
+}
