@@ -1,5 +1,6 @@
 // Scenario JSON to world. Missing keys take their defaults; a key of the wrong
 // type, an unknown key or an impossible value rejects the whole scenario.
+#include <cassert>
 #include <cinttypes>
 #include <cstdlib>
 #include <set>
@@ -19,15 +20,18 @@ struct ScenarioError : std::runtime_error {
 };
 
 // The members of one JSON object, read by name; finish() rejects the members
-// that nobody asked for.
+// that nobody asked for. Every reader calls it once it has read its keys: a
+// destructor must not throw (the object being returned would not be destroyed).
 class Fields {
 public:
     Fields(Value const& value, std::string path) : value_(value), path_(std::move(path)) {
         if (!value.isObject() && !value.isNull()) fail("", "an object");
     }
     Fields(Fields const&) = delete;
-    ~Fields() noexcept(false) {
-        if (std::uncaught_exceptions() > 0) return;
+    ~Fields() { assert(finished_ || std::uncaught_exceptions() > 0); }
+
+    void finish() {
+        finished_ = true;
         for (auto const& member : value_.objectRef())
             if (used_.count(member.first) == 0) throw ScenarioError(where(member.first) + ": unknown key");
     }
@@ -95,6 +99,7 @@ private:
     Value const& value_;
     std::string path_;
     std::set<std::string> used_;
+    bool finished_ = false;
 };
 
 std::string item(std::string const& path, size_t index) {
@@ -126,6 +131,7 @@ CSSG2_Date readDate(Value const& json, std::string const& path) {
     d.day = static_cast<uint8_t>(f.integer("day", 0, 0, 255));
     d.hour = static_cast<uint8_t>(f.integer("hour", 0, 0, 255));
     d.minute = static_cast<uint8_t>(f.integer("minute", 0, 0, 255));
+    f.finish();
     return d;
 }
 
@@ -138,7 +144,9 @@ std::optional<CSSG2_Date> readOptionalDate(Fields& f, char const* key) {
 XYZ readXYZ(Fields& parent, char const* key, XYZ fallback, char const* x = "X", char const* y = "Y",
             char const* z = "Z") {
     Fields f(parent.any(key), parent.path(key));
-    return XYZ{f.real(x, fallback.X), f.real(y, fallback.Y), f.real(z, fallback.Z)};
+    XYZ const read{f.real(x, fallback.X), f.real(y, fallback.Y), f.real(z, fallback.Z)};
+    f.finish();
+    return read;
 }
 
 // A record in its wire form: must be an object (or absent); members read leniently.
@@ -170,12 +178,14 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         k.targetMarker = c.boolean("targetMarker", k.targetMarker);
         k.exteriorLight = c.boolean("exteriorLight", k.exteriorLight);
         k.ifs = c.boolean("ifs", k.ifs);
+        c.finish();
     }
     {
         Fields s(f.any("spectrum"), f.path("spectrum"));
         d.spectrum = Spectrum{
             s.integer("min", 0, INT64_MIN, INT64_MAX), s.integer("max", 0, INT64_MIN, INT64_MAX),
             s.integer("bandWidth", 0, INT64_MIN, INT64_MAX), s.integer("count", 0, INT64_MIN, INT64_MAX)};
+        s.finish();
     }
     d.mode = static_cast<int32_t>(f.integer("mode", 0, INT32_MIN, INT32_MAX));
     d.observerKey = static_cast<int32_t>(f.integer("observerKey", 0, INT32_MIN, INT32_MAX));
@@ -190,6 +200,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         Fields o(f.any("options"), f.path("options"));
         for (auto const& option : f.any("options").objectRef())
             d.options[option.first] = o.integer(option.first.c_str(), 0, INT64_MIN, INT64_MAX);
+        o.finish();
     }
     if (!f.any("parameterDescription").isNull()) {
         Fields p(f.any("parameterDescription"), f.path("parameterDescription"));
@@ -198,6 +209,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         pd.referenceDeviceID = static_cast<uint32_t>(p.integer("referenceDeviceID", 0, 0, UINT32_MAX));
         pd.referenceSerial = p.text("referenceSerial", "", 32);
         pd.serialPadding = static_cast<uint8_t>(p.integer("serialPadding", 0, 0, 255));
+        p.finish();
         d.parameterDescription = pd;
     }
     {
@@ -209,6 +221,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         d.correctionObserverKey = static_cast<int32_t>(c.integer("observerKey", 0, INT32_MIN, INT32_MAX));
         d.correctionProduct = c.text("product", "");
         d.correctionPanelRevision = static_cast<uint16_t>(c.integer("panelRevision", 0, 0, 65535));
+        c.finish();
     }
     {
         Fields x(f.any("exCorrections"), f.path("exCorrections"));
@@ -219,6 +232,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
             d.exCorrections.push_back(n.stringRef());
         }
         d.exCorrectionIndex = static_cast<uint32_t>(x.integer("index", 0, 0, UINT32_MAX));
+        x.finish();
     }
     {
         Fields m(f.any("measurement"), f.path("measurement"));
@@ -230,6 +244,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
             d.rawData.assign(raw.size(), 0.0);
             readReals(raw, m.path("rawData"), d.rawData.data(), raw.size());
         }
+        m.finish();
     }
     Value const& corrections = f.array("correlationCorrections");
     for (size_t i = 0; i < corrections.size(); ++i) {
@@ -240,6 +255,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         s.referenceSerial = c.text("referenceSerial", "", 32);
         s.monitorProduct = c.text("monitorProduct", "", 32);
         s.monitorSerial = c.text("monitorSerial", "", 16);
+        c.finish();
         d.correlationCorrections.push_back(s);
     }
     if (!f.any("appliedCorrelationCorrection").isNull())
@@ -247,6 +263,7 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
     if (!f.any("targetWhite").isNull()) {
         Fields t(f.any("targetWhite"), f.path("targetWhite"));
         d.targetWhite = TargetWhite{t.real("x", 0), t.real("y", 0), t.real("Y", 0)};
+        t.finish();
     }
     d.ninePointsCorrection = f.boolean("ninePointsCorrection", false);
     Value const& matrices = f.array("correlationMatrices");
@@ -261,10 +278,12 @@ Device readDevice(Value const& json, std::string const& path, bool builtin) {
         s.monitorSerial = c.text("monitorSerial", "");
         s.panelRevision = static_cast<uint16_t>(c.integer("panelRevision", 0, 0, 65535));
         if (!c.any("matrix").isNull()) readReals(c.any("matrix"), c.path("matrix"), s.matrix, 9);
+        c.finish();
         d.correlationMatrices.push_back(s);
     }
     if (!f.any("appliedCorrelationMatrix").isNull())
         d.appliedCorrelationMatrix = f.hex("appliedCorrelationMatrix", 0);
+    f.finish();
     return d;
 }
 
@@ -276,6 +295,7 @@ DataSet readDataSet(Value const& json, std::string const& path, bool firstGenera
         s.descriptionDate = readOptionalDate(d, "date").value_or(CSSG2_Date{});
         s.descriptionDeviceID = static_cast<int32_t>(d.integer("deviceID", 0, INT32_MIN, INT32_MAX));
         s.descriptionSerial = d.text("serial", "", 32);
+        d.finish();
     }
     Value const& correlation = record(f, "correlation");
     if (firstGeneration) {
@@ -293,11 +313,13 @@ DataSet readDataSet(Value const& json, std::string const& path, bool firstGenera
         level.index = static_cast<uint32_t>(l.integer("index", 0, 0, UINT32_MAX));
         level.brightness = l.real("brightness", 0);
         level.dimmerOut = static_cast<uint16_t>(l.integer("dimmerOut", 0, 0, 65535));
+        l.finish();
         s.luminanceLevels.push_back(level);
     }
     if (!f.any("matrix3x3").isNull()) readRows(f.any("matrix3x3"), f.path("matrix3x3"), s.matrix3x3, 3);
     if (!f.any("matrix8x3").isNull())
         readRows(f.any("matrix8x3"), f.path("matrix8x3"), &s.matrix8x3[0][0], 8);
+    f.finish();
     return s;
 }
 
@@ -324,6 +346,7 @@ Monitor readMonitor(Value const& json, std::string const& path) {
         Fields h(f.any("humanDetection"), f.path("humanDetection"));
         m.humanDetectOn = h.boolean("on", false);
         m.humanDetectMode = static_cast<int32_t>(h.integer("mode", 0, INT32_MIN, INT32_MAX));
+        h.finish();
     }
     m.luminanceLevelSupported = f.boolean("luminanceLevelSupported", false);
     m.matrix8x3Supported = f.boolean("matrix8x3Supported", false);
@@ -336,10 +359,12 @@ Monitor readMonitor(Value const& json, std::string const& path) {
                     readDataSet(s.any(pageName(page)), s.path(pageName(page)), m.firstGeneration());
         // The factory set defaults to a copy of the current one.
         if (m.dataSets.count(Page::Factory) == 0) m.dataSets[Page::Factory] = m.dataSets[Page::Current];
+        s.finish();
     }
     if (!pageFromName(f.text("selectedDataSet", "current"), &m.selected))
         f.fail("selectedDataSet", "a data set name");
     if (m.dataSets.count(m.selected) == 0) f.fail("selectedDataSet", "a data set the monitor holds");
+    f.finish();
     return m;
 }
 
@@ -349,7 +374,9 @@ struct Identity {
 };
 Identity readIdentity(Fields& parent, char const* key) {
     Fields f(parent.any(key), parent.path(key));
-    return Identity{static_cast<uint32_t>(f.integer("deviceID", 0, 0, UINT32_MAX)), f.text("serial", "")};
+    Identity const read{static_cast<uint32_t>(f.integer("deviceID", 0, 0, UINT32_MAX)), f.text("serial", "")};
+    f.finish();
+    return read;
 }
 
 // The keys both databases share: id, sensor, referenceSensor, monitor, date.
@@ -366,6 +393,7 @@ void readDatabaseEntry(Fields& f, DatabaseEntry* e) {
         e->monitorProduct = m.text("product", "");
         e->monitorSerial = m.text("serial", "");
         e->panelRevision = static_cast<uint16_t>(m.integer("panelRevision", 0, 0, 65535));
+        m.finish();
     }
     e->date = readOptionalDate(f, "date");
 }
@@ -382,6 +410,7 @@ CorrelationEntry readCorrelationEntry(Value const& json, std::string const& path
         e.ifsv3 = ifsv3FromJson(data);
     else
         e.cssg2 = cssg2FromJson(data);
+    f.finish();
     return e;
 }
 
@@ -392,6 +421,7 @@ MatrixEntry readMatrixEntry(Value const& json, std::string const& path) {
     e.dataPage = static_cast<int32_t>(f.integer("dataPage", 0, INT32_MIN, INT32_MAX));
     e.correlationID = f.hex("correlationID", 0);
     if (!f.any("matrix").isNull()) readReals(f.any("matrix"), f.path("matrix"), e.matrix, 9);
+    f.finish();
     return e;
 }
 
@@ -419,7 +449,9 @@ World readWorld(Value const& json) {
         for (size_t i = 0; i < launched.size(); ++i) {
             Fields l(launched[static_cast<unsigned long>(i)], item("compatibilityProcess.launched", i));
             p.launched.push_back({l.text("path", ""), l.text("application", "")});
+            l.finish();
         }
+        c.finish();
     }
     Value const& devices = f.array("devices");
     for (size_t i = 0; i < devices.size(); ++i)
@@ -433,6 +465,7 @@ World readWorld(Value const& json) {
                 names.fail(member.first, "a decimal device id as key");
             w.modelNames[static_cast<uint32_t>(id)] = names.text(member.first.c_str(), "");
         }
+        names.finish();
     }
     Value const& monitors = f.array("monitors");
     std::set<uint64_t> hids;
@@ -450,6 +483,7 @@ World readWorld(Value const& json) {
             w.usbDevices.push_back(n.stringRef());
         }
         w.usbSnapshotFails = u.boolean("snapshotFails", false);
+        u.finish();
     }
     Value const& correlations = f.array("correlationDatabase");
     for (size_t i = 0; i < correlations.size(); ++i)
@@ -461,6 +495,7 @@ World readWorld(Value const& json) {
         w.matrixDatabase.push_back(
             readMatrixEntry(matrices[static_cast<unsigned long>(i)], item("matrixDatabase", i)));
     checkUniqueIds(w.matrixDatabase, "matrixDatabase");
+    f.finish();
     return w;
 }
 
