@@ -1,4 +1,8 @@
 // The result line every request leaves in the log.
+#include <map>
+#include <thread>
+#include <vector>
+
 #include "host/host.h"
 #include "host/log_file.h"
 
@@ -39,4 +43,30 @@ TEST_F(ResultLog, OneLinePerRequest) {
                 "Sensors//XYZ\terr:BadRequestError\tmsg:URI is invalid."},
     };
     EXPECT_EQ(expected, log.lines());
+}
+
+// Two host threads, each with its own sensor: every request answers and
+// leaves exactly its own line.
+TEST_F(ResultLog, ConcurrentRequestsEachLeaveTheirLine) {
+    std::string const ids[2] = {host::OpenByDeviceID(8), host::OpenByDeviceID(11)};
+    log.lines();
+    int constexpr kRequests = 200;
+    std::vector<std::thread> threads;
+    int failed[2] = {0, 0};
+    for (int t = 0; t < 2; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kRequests; ++i)
+                failed[t] += host::Call(::SensorXYZ, "GET", host::IdParams(ids[t])).status != 200;
+        });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(0, failed[0] + failed[1]);
+    std::map<std::string, int> seen;
+    for (hostlog::Line const& line : log.lines())
+        ++seen[line.message];
+    std::map<std::string, int> expected;
+    for (std::string const& id : ids)
+        expected["statusCode:200\tmethod:GET\turi:" + kUri + "Sensors/" + id + "/XYZ\tmsg:Success"] =
+            kRequests;
+    EXPECT_EQ(expected, seen);
 }
