@@ -1,0 +1,62 @@
+#include "allocator.h"
+
+#include <cstdlib>
+#include <mutex>
+
+#if defined(QUILLJSON_MIMALLOC_LIBRARY)
+#include <dlfcn.h>
+#endif
+
+namespace quilljson {
+namespace detail {
+
+namespace {
+
+void* newBlock(size_t size) {
+    return ::operator new(size, std::nothrow);
+}
+void deleteBlock(void* p) {
+    ::operator delete(p);
+}
+
+void choose() {
+    void* (*allocate)(size_t) = newBlock;
+    void (*free)(void*) = deleteBlock;
+#if defined(QUILLJSON_MIMALLOC_LIBRARY)
+    // QUILLJSON_NO_MIMALLOC=1 keeps operator new, for memory checkers that
+    // see only malloc.
+    if (!std::getenv("QUILLJSON_NO_MIMALLOC")) {
+        // RTLD_LOCAL keeps its malloc and free out of the symbols the process
+        // resolves. It stays loaded for the life of the process: its blocks
+        // may outlive anyone who would close it.
+        if (void* lib = dlopen(QUILLJSON_MIMALLOC_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
+            auto miAllocate = reinterpret_cast<void* (*)(size_t)>(dlsym(lib, "mi_malloc"));
+            auto miFree = reinterpret_cast<void (*)(void*)>(dlsym(lib, "mi_free"));
+            if (miAllocate && miFree) allocate = miAllocate, free = miFree;
+        }
+    }
+#endif
+    g_blockFunctions.free.store(free, std::memory_order_release);
+    g_blockFunctions.allocate.store(allocate, std::memory_order_release);
+}
+
+std::once_flag g_chosen;
+
+void* firstAllocate(size_t size) {
+    std::call_once(g_chosen, choose);
+    return g_blockFunctions.allocate.load(std::memory_order_acquire)(size);
+}
+
+// Only reached by a thread that has not yet seen the choice another thread
+// made when it allocated this block.
+void firstFree(void* p) {
+    std::call_once(g_chosen, choose);
+    g_blockFunctions.free.load(std::memory_order_acquire)(p);
+}
+
+} // namespace
+
+BlockFunctions g_blockFunctions{{firstAllocate}, {firstFree}};
+
+} // namespace detail
+} // namespace quilljson
