@@ -5,6 +5,7 @@
 
 #if defined(QUILLJSON_MIMALLOC_LIBRARY)
 #include <dlfcn.h>
+#include <mimalloc.h> // the option names only: the library is not linked
 #endif
 
 namespace quilljson {
@@ -29,10 +30,22 @@ void choose() {
         // RTLD_LOCAL keeps its malloc and free out of the symbols the process
         // resolves. It stays loaded for the life of the process: its blocks
         // may outlive anyone who would close it.
+        bool const ours = !dlopen(QUILLJSON_MIMALLOC_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
         if (void* lib = dlopen(QUILLJSON_MIMALLOC_LIBRARY, RTLD_NOW | RTLD_LOCAL)) {
             auto miAllocate = reinterpret_cast<void* (*)(size_t)>(dlsym(lib, "mi_malloc"));
             auto miFree = reinterpret_cast<void (*)(void*)>(dlsym(lib, "mi_free"));
+            auto setOption = reinterpret_cast<void (*)(mi_option_t, long)>(dlsym(lib, "mi_option_set"));
             if (miAllocate && miFree) allocate = miAllocate, free = miFree;
+            // Pages a freed value leaves empty go back to the system after
+            // 25 ms by default, so a large document parsed again a little
+            // later faults all its pages in anew (on a busy machine that is
+            // every parse). Half a second keeps them for the next one and
+            // still returns them soon; only done when the library is ours
+            // alone, never to a mimalloc the host loaded for itself.
+            if (ours && setOption) {
+                setOption(mi_option_decommit_delay, 500);
+                setOption(mi_option_segment_decommit_delay, 500);
+            }
         }
     }
 #endif
