@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "device_set.h"
 #include "host_library.h"
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -112,6 +113,17 @@ private:
     std::string text_;
 };
 
+bool ChooseDeviceSet(RunOptions const& options, std::string* error) {
+    std::string const set = options.backend.empty() ? "sim" : options.backend;
+    std::string const folder = FindDeviceSet(options.libraryPath, set);
+    if (folder.empty()) {
+        if (options.backend.empty()) return true;
+        *error = "no " + set + " device set beside " + options.libraryPath;
+        return false;
+    }
+    return PreloadDeviceSet(folder, error);
+}
+
 } // namespace
 
 std::vector<ScriptLine> ReadScript(std::istream& in, std::string const& name) {
@@ -167,8 +179,12 @@ int RunScript(std::vector<Step> const& steps, RunOptions const& options, std::os
     Scenario scenario(options.scenarioPath);
     if (!scenario.prepare(err)) return kExitBackEnd;
 
-    HostLibrary library;
     std::string error;
+    if (!ChooseDeviceSet(options, &error)) {
+        err << "sensorctl: " << error << "\n";
+        return kExitBackEnd;
+    }
+    HostLibrary library;
     if (!library.load(options.libraryPath, &error)) {
         err << "sensorctl: " << error << "\n";
         return kExitBackEnd;

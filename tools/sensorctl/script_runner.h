@@ -26,6 +26,10 @@ struct ScriptLine {
 
 struct RunOptions {
     std::string libraryPath;
+    // The device set, "sim" or "linux" (see device_set.h); empty: the simulated
+    // set when one is found beside the library, else whatever the library's own
+    // run path finds.
+    std::string backend;
     std::string scenarioPath; // empty: the back-end's own world
     bool pretty = false;
     bool echo = false;    // print each request before its response

@@ -1,0 +1,116 @@
+// libtorvik of the Linux set against the machine's own USB bus, as sysfs
+// shows it. (A bus built in a scratch folder cannot stand in: libudev refuses
+// any device that is not on a real sysfs.)
+#include <dirent.h>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "devices/torvik.h"
+
+namespace {
+
+std::string const kBus = "/sys/bus/usb/devices/";
+
+std::string Attribute(std::string const& device, char const* name) {
+    std::string value;
+    std::getline(std::ifstream(kBus + device + "/" + name), value);
+    return value;
+}
+
+// Whole devices ("1-1.2", "usb1"), not their interfaces ("1-1.2:1.0"): the
+// product string, else "vendor:product" ids.
+std::vector<std::string> NamesSysfsShows() {
+    std::vector<std::string> names;
+    DIR* folder = opendir(kBus.c_str());
+    if (folder == nullptr) return names; // no USB bus on this machine
+    while (dirent* entry = readdir(folder)) {
+        std::string const device = entry->d_name;
+        if (device[0] == '.' || device.find(':') != std::string::npos) continue;
+        std::string const product = Attribute(device, "product");
+        names.push_back(!product.empty()
+                            ? product
+                            : Attribute(device, "idVendor") + ":" + Attribute(device, "idProduct"));
+    }
+    closedir(folder);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+struct Torvik {
+    Torvik()
+        : handle(dlopen(
+              (std::string(TEST_LIBRARY_DIR) + "/linux/libtorvik" SENSORCONTROL_LIBRARY_SUFFIX).c_str(),
+              RTLD_NOW | RTLD_LOCAL)) {
+        if (handle == nullptr) return;
+        create = reinterpret_cast<decltype(create)>(dlsym(handle, "TvkCreateUSBDeviceSnapshot"));
+        enumerate = reinterpret_cast<decltype(enumerate)>(dlsym(handle, "TvkEnumUSBDevice"));
+        name = reinterpret_cast<decltype(name)>(dlsym(handle, "TvkGetUSBDeviceName"));
+        release = reinterpret_cast<decltype(release)>(dlsym(handle, "TvkReleaseSnapshot"));
+    }
+    ~Torvik() {
+        if (handle != nullptr) dlclose(handle);
+    }
+    // Walks the snapshot the way the product does: up to the first null.
+    std::vector<TvkUSB*> devices(TvkSnapshot* snapshot) const {
+        std::vector<TvkUSB*> found;
+        for (uint32_t i = 0; TvkUSB* device = enumerate(snapshot, i); ++i)
+            found.push_back(device);
+        return found;
+    }
+
+    void* handle;
+    decltype(&TvkCreateUSBDeviceSnapshot) create = nullptr;
+    decltype(&TvkEnumUSBDevice) enumerate = nullptr;
+    decltype(&TvkGetUSBDeviceName) name = nullptr;
+    decltype(&TvkReleaseSnapshot) release = nullptr;
+};
+
+TEST(UsbSnapshot, NamesTheDevicesSysfsShows) {
+    Torvik torvik;
+    ASSERT_NE(nullptr, torvik.handle) << dlerror();
+    TvkSnapshot* snapshot = torvik.create();
+    ASSERT_NE(nullptr, snapshot); // an empty bus is an empty snapshot, not a failure
+    std::vector<std::string> names;
+    for (TvkUSB* device : torvik.devices(snapshot))
+        names.push_back(torvik.name(device));
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(NamesSysfsShows(), names);
+    EXPECT_EQ(nullptr, torvik.enumerate(snapshot, static_cast<uint32_t>(names.size()) + 5));
+    EXPECT_EQ(nullptr, torvik.enumerate(nullptr, 0));
+    EXPECT_EQ(nullptr, torvik.name(nullptr));
+    torvik.release(snapshot);
+    torvik.release(nullptr);
+}
+
+// The product reads one device's name after asking for the next ones, and
+// another host thread may take and drop a snapshot meanwhile.
+TEST(UsbSnapshot, StaysValidWhileEnumerated) {
+    Torvik torvik;
+    ASSERT_NE(nullptr, torvik.handle) << dlerror();
+    TvkSnapshot* first = torvik.create();
+    ASSERT_NE(nullptr, first);
+    std::vector<TvkUSB*> const devices = torvik.devices(first);
+    std::vector<char const*> texts;
+    std::vector<std::string> copies;
+    for (TvkUSB* device : devices) {
+        texts.push_back(torvik.name(device));
+        copies.push_back(texts.back());
+    }
+    TvkSnapshot* second = torvik.create();
+    ASSERT_NE(nullptr, second);
+    EXPECT_EQ(devices.size(), torvik.devices(second).size());
+    torvik.release(second);
+    for (size_t i = 0; i < devices.size(); ++i) {
+        EXPECT_EQ(devices[i], torvik.enumerate(first, static_cast<uint32_t>(i)));
+        EXPECT_EQ(texts[i], torvik.name(devices[i])); // the same text, still readable
+        EXPECT_EQ(copies[i], texts[i]);
+    }
+    torvik.release(first);
+}
+
+} // namespace
