@@ -113,12 +113,14 @@ private:
     std::string text_;
 };
 
+// Without --backend nothing is loaded ahead: the library's own run path and
+// the loader's search path decide, as for any host (the simulated set unless
+// LD_LIBRARY_PATH names another).
 bool ChooseDeviceSet(RunOptions const& options, std::string* error) {
-    std::string const set = options.backend.empty() ? "sim" : options.backend;
-    std::string const folder = FindDeviceSet(options.libraryPath, set);
+    if (options.backend.empty()) return true;
+    std::string const folder = FindDeviceSet(options.libraryPath, options.backend);
     if (folder.empty()) {
-        if (options.backend.empty()) return true;
-        *error = "no " + set + " device set beside " + options.libraryPath;
+        *error = "no " + options.backend + " device set beside " + options.libraryPath;
         return false;
     }
     return PreloadDeviceSet(folder, error);

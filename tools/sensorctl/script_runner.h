@@ -26,9 +26,8 @@ struct ScriptLine {
 
 struct RunOptions {
     std::string libraryPath;
-    // The device set, "sim" or "linux" (see device_set.h); empty: the simulated
-    // set when one is found beside the library, else whatever the library's own
-    // run path finds.
+    // The device set, "sim" or "linux" (see device_set.h); empty: the one the
+    // library's run path and the loader's search path find.
     std::string backend;
     std::string scenarioPath; // empty: the back-end's own world
     bool pretty = false;
