@@ -2,87 +2,24 @@
 // simulated or the Linux set, by sensorctl --backend or, for any host, by the
 // loader's search path naming the set's folder. Each run is a sensorctl
 // process, which calls the library's exports the way a host does.
-#include <dirent.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "quilljson/parser.h"
 #include "quilljson/value.h"
+#include "support.h"
 
 namespace {
 
 std::string const kLib = TEST_LIBRARY_DIR;
 std::string const kSuffix = SENSORCONTROL_LIBRARY_SUFFIX;
 
-struct Outcome {
-    int exitCode = -1;
-    std::vector<std::string> lines; // standard output
-    std::string errors;
-    std::vector<std::string> log; // the lines liblorvant2 wrote, without their time stamps
-};
-
-std::vector<std::string> ReadLines(std::string const& path) {
-    std::vector<std::string> lines;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(line);
-    return lines;
-}
-
-// Runs sensorctl with `environment` (assignments for env(1)) and `arguments`,
-// both already quoted for the shell. No colord is reachable: the system bus
-// address names nothing.
-Outcome Sensorctl(std::string const& environment, std::string const& arguments) {
-    std::string const base = ::testing::TempDir() + "choose_set_" +
-                             ::testing::UnitTest::GetInstance()->current_test_info()->name() + "_" +
-                             std::to_string(getpid());
-    std::remove((base + ".log").c_str());
-    std::string const command =
-        "env DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent/bus LORVANT_LOG_FILE=" + base + ".log " +
-        environment + " " + TEST_BINARY_DIR + "/sensorctl " + arguments + " > " + base + ".out 2> " + base +
-        ".err";
-    int const status = std::system(command.c_str());
-    Outcome run;
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    run.lines = ReadLines(base + ".out");
-    std::ostringstream errors;
-    errors << std::ifstream(base + ".err").rdbuf();
-    run.errors = errors.str();
-    std::regex const stamp(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} (.*)$)");
-    for (std::string const& line : ReadLines(base + ".log")) {
-        std::smatch match;
-        run.log.push_back(std::regex_match(line, match, stamp) ? match[1].str() : "no time stamp: " + line);
-    }
-    return run;
-}
-
-// The names of the USB devices on this machine's bus, as sysfs shows them.
-std::vector<std::string> UsbNames() {
-    std::vector<std::string> names;
-    std::string const bus = "/sys/bus/usb/devices/";
-    if (DIR* folder = opendir(bus.c_str())) {
-        while (dirent* entry = readdir(folder)) {
-            std::string const device = entry->d_name;
-            if (device[0] == '.' || device.find(':') != std::string::npos) continue;
-            std::string product, vendorID, productID;
-            std::getline(std::ifstream(bus + device + "/product"), product);
-            std::getline(std::ifstream(bus + device + "/idVendor"), vendorID);
-            std::getline(std::ifstream(bus + device + "/idProduct"), productID);
-            names.push_back(!product.empty() ? product : vendorID + ":" + productID);
-        }
-        closedir(folder);
-    }
-    return names;
-}
+using namespace linuxsettest;
 
 std::string const kMonitorOpen = "'POST /Monitors/LMN27A/41A00017/Sensor'";
 std::string const kUri = "uri:/sensorbridge.tovelworks.net/";

@@ -1,45 +1,17 @@
 // libtorvik of the Linux set against the machine's own USB bus, as sysfs
 // shows it. (A bus built in a scratch folder cannot stand in: libudev refuses
 // any device that is not on a real sysfs.)
-#include <dirent.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "devices/torvik.h"
+#include "support.h"
 
 namespace {
-
-std::string const kBus = "/sys/bus/usb/devices/";
-
-std::string Attribute(std::string const& device, char const* name) {
-    std::string value;
-    std::getline(std::ifstream(kBus + device + "/" + name), value);
-    return value;
-}
-
-// Whole devices ("1-1.2", "usb1"), not their interfaces ("1-1.2:1.0"): the
-// product string, else "vendor:product" ids.
-std::vector<std::string> NamesSysfsShows() {
-    std::vector<std::string> names;
-    DIR* folder = opendir(kBus.c_str());
-    if (folder == nullptr) return names; // no USB bus on this machine
-    while (dirent* entry = readdir(folder)) {
-        std::string const device = entry->d_name;
-        if (device[0] == '.' || device.find(':') != std::string::npos) continue;
-        std::string const product = Attribute(device, "product");
-        names.push_back(!product.empty()
-                            ? product
-                            : Attribute(device, "idVendor") + ":" + Attribute(device, "idProduct"));
-    }
-    closedir(folder);
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 struct Torvik {
     Torvik()
@@ -79,7 +51,9 @@ TEST(UsbSnapshot, NamesTheDevicesSysfsShows) {
     for (TvkUSB* device : torvik.devices(snapshot))
         names.push_back(torvik.name(device));
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(NamesSysfsShows(), names);
+    std::vector<std::string> shown = linuxsettest::UsbNames();
+    std::sort(shown.begin(), shown.end());
+    EXPECT_EQ(shown, names);
     EXPECT_EQ(nullptr, torvik.enumerate(snapshot, static_cast<uint32_t>(names.size()) + 5));
     EXPECT_EQ(nullptr, torvik.enumerate(nullptr, 0));
     EXPECT_EQ(nullptr, torvik.name(nullptr));
