@@ -76,6 +76,10 @@ Demo:
 Options:
   --library PATH    the library to load (default: ../lib/libsensorcontrol)" SENSORCONTROL_LIBRARY_SUFFIX R"(
                     relative to the folder of the sensorctl program)
+  --backend SET     the device set the library drives: sim (the simulated
+                    world, the default) or linux (real instruments through
+                    colord and udev); looked for in sensorcontrol/SET beside
+                    the library, else in the build tree's lib and lib/linux
   -f FILE           read requests from FILE ('-' for standard input)
   --pretty          pretty-print responses (and journals)
   --echo            print each request before its response (always on in demo)
