@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "device_set.h"
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
 
@@ -19,7 +20,6 @@ namespace colordtest {
 
 namespace {
 std::string const kLibraryDir = TEST_LIBRARY_DIR;
-std::string const kLinuxSetDir = kLibraryDir + "/linux";
 } // namespace
 
 Value Json(std::string const& text) {
@@ -29,15 +29,14 @@ Value Json(std::string const& text) {
 }
 
 Product::Product() {
-    setenv("HALVERN_EXPORTS_PATH", kLinuxSetDir.c_str(), 1);
-    // Kept loaded for the process: the product holds on to its functions.
-    void* linuxPallast =
-        dlopen((kLinuxSetDir + "/libpallast" SENSORCONTROL_LIBRARY_SUFFIX).c_str(), RTLD_NOW | RTLD_GLOBAL);
-    if (linuxPallast == nullptr) {
-        ADD_FAILURE() << "cannot load the Linux set's libpallast: " << dlerror();
+    std::string const library = kLibraryDir + "/libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX;
+    std::string const set = sensorctl::FindDeviceSet(library, "linux");
+    std::string error;
+    if (set.empty() || !sensorctl::PreloadDeviceSet(set, &error)) {
+        ADD_FAILURE() << "cannot load the Linux set beside " << library << ": " << error;
         return;
     }
-    product_ = dlopen((kLibraryDir + "/libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX).c_str(), RTLD_NOW);
+    product_ = dlopen(library.c_str(), RTLD_NOW);
     if (product_ == nullptr) {
         ADD_FAILURE() << "cannot load the product: " << dlerror();
         return;

@@ -1,9 +1,9 @@
 // A host of the product on the Linux set, against a colord of its own.
 //
-// The product links libpallast; loading the Linux set's libpallast first
-// (global) makes the product's link resolve to it, and HALVERN_EXPORTS_PATH
-// points its run-time lookups at the same folder. Every test process gets its
-// own bus and colord (PrivateColord), so tests may run in parallel.
+// The Linux set's libhalvern and libpallast are loaded before the product, as
+// sensorctl --backend linux does, so the product drives that set. Every test
+// process gets its own bus and colord (PrivateColord), so tests may run in
+// parallel.
 #pragma once
 
 #include <gtest/gtest.h>
