@@ -5,7 +5,6 @@
 
 namespace linuxset {
 
-constexpr DvError kOk{0};
 constexpr DvError kNotRegistered{static_cast<int32_t>(0x80000005u)};
 // The set cannot do this: no Linux interface reaches what the call is about.
 constexpr DvError kUnsupported{static_cast<int32_t>(0x80000007u)};
