@@ -3,6 +3,18 @@
 #include <cstdlib>
 #include <mutex>
 
+// Sanitizers see only the allocations they intercept: under them blocks come
+// from operator new, whatever the build options say. (ThreadSanitizer would
+// otherwise report a block freed on one thread and reused on another through
+// mimalloc's uninstrumented free lists as a race.)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#undef QUILLJSON_MIMALLOC_LIBRARY
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#undef QUILLJSON_MIMALLOC_LIBRARY
+#endif
+#endif
+
 #if defined(QUILLJSON_MIMALLOC_LIBRARY)
 #include <dlfcn.h>
 #include <mimalloc.h> // the option names only: the library is not linked
