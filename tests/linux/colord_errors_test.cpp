@@ -36,6 +36,15 @@ int32_t CodeOf(GDBusConnection* c, char const* path, char const* method, GVarian
     return code;
 }
 
+// Lock, asked again while colord's own 200 ms question for the caller's user
+// times out on a busy machine (as the library does).
+int32_t LockCode(GDBusConnection* c, char const* path) {
+    int32_t code = 0;
+    for (int attempt = 0; attempt < 3; ++attempt)
+        if ((code = CodeOf(c, path, "Lock", nullptr)) != static_cast<int32_t>(0x80000014)) break;
+    return code;
+}
+
 TEST(ColordErrors, ColordsRefusalsBecomeTheDocumentedCodes) {
     testing_colord::PrivateColord colord;
     ASSERT_EQ("", colord.failure());
@@ -47,9 +56,9 @@ TEST(ColordErrors, ColordsRefusalsBecomeTheDocumentedCodes) {
     // A reading without the lock: "Invalid precondition."
     EXPECT_EQ(static_cast<int32_t>(0x80000015),
               CodeOf(first, path, "GetSample", g_variant_new("(s)", "lcd")));
-    ASSERT_EQ(0, CodeOf(first, path, "Lock", nullptr));
+    ASSERT_EQ(0, LockCode(first, path));
     // Another client while one holds the lock: "Already used."
-    EXPECT_EQ(static_cast<int32_t>(0x80000012), CodeOf(second, path, "Lock", nullptr));
+    EXPECT_EQ(static_cast<int32_t>(0x80000012), LockCode(second, path));
     // A cap colord refuses for this sensor (the dummy answers Internal, "cannot return spectral"): "Failed."
     EXPECT_EQ(static_cast<int32_t>(0x80000000),
               CodeOf(first, path, "GetSample", g_variant_new("(s)", "spectral")));
