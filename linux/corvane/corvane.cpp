@@ -3,11 +3,13 @@
 // enumeration ends at once, an id names no entry, and adding is unsupported
 // (an entry could never be used, and nothing is stored that would be lost).
 #include "devices/corvane.h"
-#include "dv_codes.h"
+#include "codes.h"
 
-using linuxset::kNoMoreData;
-using linuxset::kNotRegistered;
-using linuxset::kUnsupported;
+namespace {
+DvError const kUnsupported = pallast::result(pallast::code::kUnsupported);
+DvError const kNoMoreData = pallast::result(pallast::code::kNoMoreData);
+DvError const kNotRegistered = pallast::result(pallast::code::kNotRegistered);
+} // namespace
 
 extern "C" {
 

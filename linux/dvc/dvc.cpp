@@ -3,10 +3,12 @@
 // no monitor: the list is empty and every call about a named monitor answers
 // unsupported rather than pretending the monitor is absent.
 #include "devices/dvc.h"
-#include "dv_codes.h"
+#include "codes.h"
 
-using linuxset::kNoMoreData;
-using linuxset::kUnsupported;
+namespace {
+DvError const kUnsupported = pallast::result(pallast::code::kUnsupported);
+DvError const kNoMoreData = pallast::result(pallast::code::kNoMoreData);
+} // namespace
 
 extern "C" {
 

@@ -3,9 +3,11 @@
 // hands out a HID handle; so every reading, setting and stored data set answers
 // unsupported and every "is it supported" question answers no.
 #include "devices/quorsensor.h"
-#include "dv_codes.h"
+#include "codes.h"
 
-using linuxset::kUnsupported;
+namespace {
+DvError const kUnsupported = pallast::result(pallast::code::kUnsupported);
+} // namespace
 
 extern "C" {
 
