@@ -31,17 +31,20 @@ bool writeFile(std::string const& path, std::string const& text) {
     return out.good();
 }
 
+// Each child leads a process group of its own (see execWithLog), so that the
+// helpers it starts (colord starts colord-sane) end with it instead of living on.
 void stop(pid_t& pid) {
     if (pid <= 0) return;
-    kill(pid, SIGTERM);
+    if (kill(-pid, SIGTERM) != 0) kill(pid, SIGTERM);
     for (int i = 0; i < 100; ++i) {
         if (waitpid(pid, nullptr, WNOHANG) == pid) {
+            kill(-pid, SIGKILL); // helpers that outlived their parent
             pid = -1;
             return;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    kill(pid, SIGKILL);
+    kill(-pid, SIGKILL);
     waitpid(pid, nullptr, 0);
     pid = -1;
 }
@@ -52,6 +55,7 @@ int removeEntry(char const* path, struct stat const*, int, struct FTW*) {
 
 // In the child: output to a log file, then exec.
 [[noreturn]] void execWithLog(std::string const& log, char const* program, char* const argv[]) {
+    setpgid(0, 0);
     int fd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
     if (fd >= 0) {
         dup2(fd, 1);
@@ -119,6 +123,7 @@ bool PrivateColord::startBus() {
                               const_cast<char*>("--nofork"), nullptr};
         execWithLog(folder_ + "/bus.log", kDbusDaemon, argv);
     }
+    if (bus_ > 0) setpgid(bus_, bus_); // also here: stop() may come before the child's own call
     if (bus_ < 0) {
         failure_ = std::string("cannot start dbus-daemon: ") + std::strerror(errno);
         return false;
@@ -154,6 +159,7 @@ bool PrivateColord::startColord() {
                               const_cast<char*>("--verbose"), nullptr};
         execWithLog(log, kColord, argv);
     }
+    if (colord_ > 0) setpgid(colord_, colord_);
     if (colord_ < 0) {
         failure_ = std::string("cannot start colord: ") + std::strerror(errno);
         return false;
