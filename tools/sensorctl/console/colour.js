@@ -21,14 +21,40 @@ export function xyYFromXYZ(XYZ) {
     return { x: X / sum, y: Y / sum, Y };
 }
 
-// McCamy's cubic approximation of the correlated colour temperature in
-// kelvin. It is only meaningful near the Planckian locus; outside roughly
-// 1667 K to 25000 K it answers null rather than a misleading number.
+// The Planckian locus in xy (Kim et al.'s cubic fit, 1667 K to 25000 K).
+function planckian(T) {
+    const t = 1e3 / T;
+    const x =
+        T <= 4000
+            ? -0.2661239 * t ** 3 - 0.2343589 * t ** 2 + 0.8776956 * t + 0.17991
+            : -3.0258469 * t ** 3 + 2.1070379 * t ** 2 + 0.2226347 * t + 0.24039;
+    const y =
+        T <= 2222
+            ? -1.1063814 * x ** 3 - 1.3481102 * x ** 2 + 2.18555832 * x - 0.20219683
+            : T <= 4000
+              ? -0.9549476 * x ** 3 - 1.37418593 * x ** 2 + 2.09137015 * x - 0.16748867
+              : 3.081758 * x ** 3 - 5.8733867 * x ** 2 + 3.75112997 * x - 0.37001483;
+    return { x, y };
+}
+
+// CIE 1960 uv, where distances from the Planckian locus are judged.
+function uv({ x, y }) {
+    const d = -2 * x + 12 * y + 3;
+    return { u: (4 * x) / d, v: (6 * y) / d };
+}
+
+// The correlated colour temperature in kelvin by McCamy's approximation.
+// A colour temperature only means something near the Planckian locus, so a
+// chromaticity farther than 0.05 in uv from the locus point of that
+// temperature (or outside 1667 K to 25000 K) answers null, not a number.
 export function cctFromxy(xy) {
     if (!xy) return null;
     const n = (xy.x - 0.332) / (0.1858 - xy.y);
     const cct = 449 * n ** 3 + 3525 * n ** 2 + 6823.3 * n + 5520.33;
-    return Number.isFinite(cct) && cct >= 1667 && cct <= 25000 ? cct : null;
+    if (!Number.isFinite(cct) || cct < 1667 || cct > 25000) return null;
+    const a = uv(xy);
+    const b = uv(planckian(cct));
+    return Math.hypot(a.u - b.u, a.v - b.v) <= 0.05 ? cct : null;
 }
 
 // The spectral locus from colour-matching functions sampled at even steps:
