@@ -10,12 +10,13 @@ const reference = (r) => (r ? `${r.deviceID} / ${r.serial || "—"}` : "—");
 const monitor = (m) => (m ? `${m.product} ${m.serial}${"panelRevision" in m ? `, panel ${m.panelRevision}` : ""}` : "—");
 const date = (d) => d?.dateString || "—";
 
+// caption: what the heading of the view does not already say, or null.
 function table(caption, columns, rows, highlight = () => false) {
-    if (!rows.length) return h("p", {}, `${caption}: none.`);
+    if (!rows.length) return h("p", {}, "None.");
     return h(
         "table",
         {},
-        h("caption", {}, caption),
+        caption ? h("caption", {}, caption) : null,
         h("thead", {}, h("tr", {}, columns.map(([title]) => h("th", { scope: "col" }, title)))),
         h(
             "tbody",
@@ -48,7 +49,7 @@ const VIEWS = [
         "Correlation database entries",
         (entries, all) => {
             const current = all["Correlation/Database"];
-            return table("Correlation database entries (★ equals the monitor's data)", ENTRY_COLUMNS, entries, (e) => current?.id === e.id);
+            return table("★ equals the data the monitor holds now", ENTRY_COLUMNS, entries, (e) => current?.id === e.id);
         },
     ],
     [
@@ -59,7 +60,7 @@ const VIEWS = [
                 "div",
                 {},
                 table(
-                    `Correction matrix, ${d.matrix.length}×3${d.isFactory ? " (the factory data)" : " (differs from the factory data)"}`,
+                    `${d.matrix.length}×3, ${d.isFactory ? "the factory data" : "differs from the factory data"}`,
                     [
                         ["row", (r) => r.i + 1],
                         ["X", (r) => r.v[0]],
@@ -70,12 +71,12 @@ const VIEWS = [
                 )
             ),
     ],
-    ["CorrelationMatrix/Database?available", "Matrix database entries", (entries) => table("Matrix database entries", ENTRY_COLUMNS, entries)],
+    ["CorrelationMatrix/Database?available", "Matrix database entries", (entries) => table(null, ENTRY_COLUMNS, entries)],
     [
         "Correlation?available",
         "Correlation corrections stored in the sensor",
         (list) =>
-            table("Correlation corrections stored in the sensor", [
+            table(null, [
                 ["id", (c) => c.id],
                 ["reference sensor", (c) => reference(c.referenceSensor)],
                 ["monitor", (c) => monitor(c.monitor)],
@@ -85,7 +86,7 @@ const VIEWS = [
         "CorrelationMatrix?available",
         "Correlation matrices stored in the sensor",
         (list) =>
-            table("Correlation matrices stored in the sensor", [
+            table(null, [
                 ["id", (c) => c.id],
                 ["reference sensor", (c) => reference(c.referenceSensor)],
             ], list),

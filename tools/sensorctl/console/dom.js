@@ -7,7 +7,7 @@ function build(element, attributes, children) {
         if (name.startsWith("on")) element.addEventListener(name.slice(2), value);
         else element.setAttribute(name, value === true ? "" : String(value));
     }
-    for (const child of children.flat()) {
+    for (const child of children.flat(Infinity)) {
         if (child === undefined || child === null || child === false) continue;
         element.append(child instanceof Node ? child : document.createTextNode(String(child)));
     }
