@@ -83,12 +83,25 @@ const EVENT_STATES = {
     unauthorized: "Live events: token refused",
 };
 
+// Another client opening or closing a sensor changes the open list.
+let refreshTimer = 0;
+function onEvent(type, data) {
+    eventLog.add(type, data);
+    const opensOrCloses =
+        (data?.method === "POST" && /^\/(Sensors|Monitors)\//.test(data.path)) ||
+        (data?.method === "DELETE" && /^\/Sensors(\/[^/]+)?$/.test(data.path));
+    if (type === "request" && data.status === 200 && opensOrCloses) {
+        clearTimeout(refreshTimer);
+        refreshTimer = setTimeout(() => discovery.listOpen(), 300);
+    }
+}
+
 function start() {
     events?.abort();
     events = new AbortController();
     followEvents(
         api,
-        (type, data) => eventLog.add(type, data),
+        onEvent,
         (state) => {
             $("events-state").textContent = EVENT_STATES[state];
             $("events-state").dataset.state = state;

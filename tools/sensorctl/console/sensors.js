@@ -92,7 +92,13 @@ export class Discovery {
             { "data-sensor": sensor.id, class: current ? "selected" : null },
             h(
                 "button",
-                { type: "button", class: "link", "aria-current": current ? "true" : null, onclick: () => this.select(sensor) },
+                {
+                    type: "button",
+                    class: "link",
+                    "aria-label": `${sensor.name || "(no name)"}, id ${sensor.id}`,
+                    "aria-current": current ? "true" : null,
+                    onclick: () => this.select(sensor),
+                },
                 sensor.name || "(no name)"
             ),
             h("small", { class: "id" }, sensor.id),
