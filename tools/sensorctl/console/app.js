@@ -6,6 +6,7 @@ import { CorrelationView } from "./correlation_view.js";
 import { ChromaticityDiagram } from "./diagram.js";
 import { EventLog } from "./event_log.js";
 import { followEvents } from "./events.js";
+import { Leases } from "./leases.js";
 import { makeReading, renderTable, toCsv } from "./readings.js";
 import { SensorView } from "./sensor_view.js";
 import { Discovery } from "./sensors.js";
@@ -65,7 +66,8 @@ dialog.addEventListener("close", () => {
 $("change-token").addEventListener("click", () => askToken(""));
 
 const eventLog = new EventLog($("event-log"), $("clear-log"));
-const sensorView = new SensorView(api, { onReading: addReading });
+const leases = new Leases(api, (id, state) => sensorView.leaseChanged(id, state));
+const sensorView = new SensorView(api, leases, { onReading: addReading });
 const correlationView = new CorrelationView(api);
 const discovery = new Discovery(api, {
     onSelect: (sensor) => {
@@ -73,6 +75,7 @@ const discovery = new Discovery(api, {
         correlationView.show(sensor);
     },
     onClosed: (id) => {
+        leases.forget(id);
         if (discovery.selected?.id === id) discovery.select(null);
     },
 });

@@ -21,8 +21,9 @@ const DESCRIPTION = [
 ];
 
 export class SensorView {
-    constructor(api, { onReading }) {
+    constructor(api, leases, { onReading }) {
         this.api = api;
+        this.leases = leases;
         this.onReading = onReading;
         this.sensor = null;
         this.continuous = false;
@@ -31,6 +32,10 @@ export class SensorView {
             this.setMode(e.submitter);
         });
         $("calibrate").addEventListener("click", () => this.calibrate());
+        $("lease").addEventListener("change", (e) => {
+            showStatus($("lease-status"), "busy", e.target.checked ? "Taking the lease…" : "Releasing the lease…");
+            e.target.checked ? this.leases.take(this.sensor.id) : this.leases.release(this.sensor.id);
+        });
         $("measure").addEventListener("click", () => this.measureOnce());
         $("measure-continuously").addEventListener("click", () => this.toggleContinuous());
         $("correction-form").addEventListener("submit", (e) => {
@@ -53,10 +58,18 @@ export class SensorView {
         $("sensor-body").hidden = !sensor;
         $("sensor-hint").hidden = !!sensor;
         $("sensor-title").textContent = sensor ? sensor.name || "Sensor" : "No sensor selected";
-        for (const id of ["sensor-status", "mode-status", "calibration-status", "measure-status", "correction-status"])
+        $("lease").checked = !!sensor && this.leases.holds(sensor.id);
+        for (const id of ["sensor-status", "lease-status", "mode-status", "calibration-status", "measure-status", "correction-status"])
             showStatus($(id), "", "");
         if (!sensor) return;
         await Promise.all([this.describe(), this.modes(), this.needsCalibration(), this.exCorrections()]);
+    }
+
+    // Leases.onChange: the outcome of taking, renewing or releasing a lease.
+    leaseChanged(sensorId, { held, text, error }) {
+        if (sensorId !== this.sensor?.id) return;
+        $("lease").checked = held;
+        showStatus($("lease-status"), error ? "error" : "done", error || text);
     }
 
     async describe() {
