@@ -55,7 +55,9 @@ const DIGITS = { x: 4, y: 4, "CCT (K)": 0 };
 
 function displayCell(title, value) {
     if (value === null || value === undefined) return "—";
-    if (typeof value !== "number") return title === "time" ? value.slice(11, 23) : value;
+    // The table shows local clock time; the CSV keeps the UTC timestamp.
+    if (title === "time") return new Date(value).toTimeString().slice(0, 8);
+    if (typeof value !== "number") return value;
     if (title === "#") return String(value);
     return value.toFixed(DIGITS[title] ?? 4);
 }
