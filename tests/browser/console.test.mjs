@@ -9,11 +9,19 @@ import { diagramPixels } from "./pixels.mjs";
 const fromTable = async (row, column) => Number(await row.locator(`td[data-column="${column}"]`).getAttribute("data-value"));
 
 // Opens the console the way the server prints its address; answers the page
-// and the script errors it raises.
+// and its problems: script errors, failed loads, and anything fetched from
+// elsewhere than the gateway (the console works offline).
 async function openConsole(browser, gateway) {
     const page = await browser.context.newPage();
     const errors = [];
     page.on("pageerror", (e) => errors.push(e.message));
+    // API answers of 4xx and 5xx are the tests' business; the page's own files must load.
+    page.on("response", (r) => {
+        if (r.status() >= 400 && r.request().resourceType() !== "fetch") errors.push(`${r.status()} for ${r.url()}`);
+    });
+    page.on("request", (r) => {
+        if (!/^(blob|data):/.test(r.url()) && !r.url().startsWith(gateway.origin + "/")) errors.push(`fetched ${r.url()}`);
+    });
     await page.goto(gateway.url);
     await page.locator("#usb-sensors li", { hasText: "Lumetra Spectro 8" }).waitFor();
     return { page, errors };
