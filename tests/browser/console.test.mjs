@@ -6,7 +6,8 @@ import { after, before, describe, test } from "node:test";
 import { launchBrowser, startGateway } from "./harness.mjs";
 import { diagramPixels } from "./pixels.mjs";
 
-const fromTable = async (row, column) => Number(await row.locator(`td[data-column="${column}"]`).getAttribute("data-value"));
+const fromTable = async (row, column) =>
+    Number(await row.locator(`td[data-column="${column}"]`).getAttribute("data-value"));
 
 // Opens the console the way the server prints its address; answers the page
 // and its problems: script errors, failed loads, and anything fetched from
@@ -20,7 +21,8 @@ async function openConsole(browser, gateway) {
         if (r.status() >= 400 && r.request().resourceType() !== "fetch") errors.push(`${r.status()} for ${r.url()}`);
     });
     page.on("request", (r) => {
-        if (!/^(blob|data):/.test(r.url()) && !r.url().startsWith(gateway.origin + "/")) errors.push(`fetched ${r.url()}`);
+        if (!/^(blob|data):/.test(r.url()) && !r.url().startsWith(gateway.origin + "/"))
+            errors.push(`fetched ${r.url()}`);
     });
     await page.goto(gateway.url);
     await page.locator("#usb-sensors li", { hasText: "Lumetra Spectro 8" }).waitFor();
@@ -28,7 +30,10 @@ async function openConsole(browser, gateway) {
 }
 
 async function openSpectro(page) {
-    await page.locator("#usb-sensors li", { hasText: "Lumetra Spectro 8" }).getByRole("button", { name: "Open", exact: true }).click();
+    await page
+        .locator("#usb-sensors li", { hasText: "Lumetra Spectro 8" })
+        .getByRole("button", { name: "Open", exact: true })
+        .click();
     await page.locator('#description dd[data-key="name"]', { hasText: "Lumetra Spectro 8" }).waitFor();
     return page.locator("#description dd.id").textContent();
 }
@@ -92,7 +97,10 @@ describe("the console on the default world", () => {
         });
         const expectedX = shown.left + (x / shown.xMax) * shown.width;
         const expectedY = shown.bottom - (y / shown.yMax) * shown.height;
-        assert.ok(Math.abs(shown.cx - expectedX) < 1 && Math.abs(shown.cy - expectedY) < 1, JSON.stringify({ shown, expectedX, expectedY }));
+        assert.ok(
+            Math.abs(shown.cx - expectedX) < 1 && Math.abs(shown.cy - expectedY) < 1,
+            JSON.stringify({ shown, expectedX, expectedY }),
+        );
     });
 
     test("the diagram is drawn: spectral locus, sRGB triangle and the reading", async () => {
@@ -106,8 +114,11 @@ describe("the console on the default world", () => {
     test("CSV export holds the table's readings with every digit", async () => {
         await page.getByRole("button", { name: "Measure once" }).click();
         await page.locator("#reading-table tbody tr").nth(1).waitFor();
-        const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: "Export CSV" }).click()]);
-        const text = await new Response((await download.createReadStream())).text();
+        const [download] = await Promise.all([
+            page.waitForEvent("download"),
+            page.getByRole("button", { name: "Export CSV" }).click(),
+        ]);
+        const text = await new Response(await download.createReadStream()).text();
         const lines = text.trimEnd().split("\r\n");
         assert.equal(lines.length, 3);
         const row = page.locator("#reading-table tbody tr").first();
@@ -142,11 +153,19 @@ describe("the console on the default world", () => {
     test("the live log lists the console's requests and readings", async () => {
         const log = page.locator("#event-log");
         await log.locator('li[data-type="request"]', { hasText: `PUT /Sensors/${sensor}/Calibration` }).waitFor();
-        await log.locator('li[data-type="reading"]', { hasText: `/Sensors/${sensor}/XYZ` }).first().waitFor();
+        await log
+            .locator('li[data-type="reading"]', { hasText: `/Sensors/${sensor}/XYZ` })
+            .first()
+            .waitFor();
     });
 
     test("a sensor leased by another client answers 409, shown plainly", async () => {
-        const lease = await api("PUT", `/Sensors/${sensor}/Lease`, { "Content-Type": "application/json" }, { owner: "bench", seconds: 60 });
+        const lease = await api(
+            "PUT",
+            `/Sensors/${sensor}/Lease`,
+            { "Content-Type": "application/json" },
+            { owner: "bench", seconds: 60 },
+        );
         assert.equal(lease.status, 200);
         const token = (await lease.json()).value.token;
         try {

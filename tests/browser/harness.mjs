@@ -17,14 +17,16 @@ const chromiumPath = process.env.CHROMIUM || "/usr/bin/chromium";
 // ...) and waits for the address it prints: http://HOST:PORT/#token=TOKEN.
 export async function startGateway(env = {}) {
     const folder = mkdtempSync(path.join(tmpdir(), "console-test-"));
-    const child = spawn(
-        sensorctl,
-        ["serve", "--listen", "127.0.0.1:0", "--token-file", path.join(folder, "token")],
-        { env: { ...process.env, LORVANT_LOG_FILE: path.join(folder, "log"), ...env }, stdio: ["ignore", "pipe", "pipe"] }
-    );
+    const child = spawn(sensorctl, ["serve", "--listen", "127.0.0.1:0", "--token-file", path.join(folder, "token")], {
+        env: { ...process.env, LORVANT_LOG_FILE: path.join(folder, "log"), ...env },
+        stdio: ["ignore", "pipe", "pipe"],
+    });
     let output = "";
     const address = await new Promise((resolve, reject) => {
-        const timer = setTimeout(() => reject(new Error(`sensorctl serve printed no address in 20 s:\n${output}`)), 20000);
+        const timer = setTimeout(
+            () => reject(new Error(`sensorctl serve printed no address in 20 s:\n${output}`)),
+            20000,
+        );
         const look = (chunk) => {
             output += chunk;
             const match = /(http:\/\/[^\s/]+)\/#token=([A-Za-z0-9._~-]+)/.exec(output);

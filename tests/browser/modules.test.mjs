@@ -39,7 +39,8 @@ test("the spectral locus built from the packaged CIE 1931 table", async () => {
 test("event stream: events split anywhere, CRLF, comments and multi-line data", () => {
     const events = [];
     const parser = new EventStreamParser((e) => events.push(e));
-    const text = ': hello\r\nevent: request\r\ndata: {"status":200}\r\n\r\ndata: a\ndata: b\n\nevent: reading\ndata:x\n\n';
+    const text =
+        ': hello\r\nevent: request\r\ndata: {"status":200}\r\n\r\ndata: a\ndata: b\n\nevent: reading\ndata:x\n\n';
     for (const chunk of text.match(/.{1,3}/gs)) parser.push(chunk);
     assert.deepEqual(events, [
         { type: "request", data: '{"status":200}' },

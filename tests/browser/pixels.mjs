@@ -21,9 +21,12 @@ export async function diagramPixels(page, context) {
                 g.drawImage(image, 0, 0);
                 const { data } = g.getImageData(0, 0, image.width, image.height);
                 const scale = image.width / box.width;
-                const near = (i, [r, gr, b]) => Math.abs(data[i] - r) + Math.abs(data[i + 1] - gr) + Math.abs(data[i + 2] - b) < 24;
+                const near = (i, [r, gr, b]) =>
+                    Math.abs(data[i] - r) + Math.abs(data[i + 1] - gr) + Math.abs(data[i + 2] - b) < 24;
                 const counts = { locusFill: 0, triangle: 0 };
-                let red = 0, sumX = 0, sumY = 0;
+                let red = 0,
+                    sumX = 0,
+                    sumY = 0;
                 for (let y = 0; y < image.height; ++y)
                     for (let x = 0; x < image.width; ++x) {
                         const i = 4 * (y * image.width + x);
@@ -36,14 +39,20 @@ export async function diagramPixels(page, context) {
                         }
                     }
                 const plot = area.width * area.height * scale * scale;
-                const expected = { x: (point.x - box.x + point.width / 2) * scale, y: (point.y - box.y + point.height / 2) * scale };
+                const expected = {
+                    x: (point.x - box.x + point.width / 2) * scale,
+                    y: (point.y - box.y + point.height / 2) * scale,
+                };
                 return {
                     locusFill: counts.locusFill / plot,
                     triangle: counts.triangle,
-                    reading: { count: red, offset: red ? Math.hypot(sumX / red - expected.x, sumY / red - expected.y) / scale : Infinity },
+                    reading: {
+                        count: red,
+                        offset: red ? Math.hypot(sumX / red - expected.x, sumY / red - expected.y) / scale : Infinity,
+                    },
                 };
             },
-            { png, box, area, point, colours: COLOURS }
+            { png, box, area, point, colours: COLOURS },
         );
     } finally {
         await blank.close();

@@ -109,7 +109,7 @@ function start() {
             $("events-state").textContent = EVENT_STATES[state];
             $("events-state").dataset.state = state;
         },
-        events.signal
+        events.signal,
     );
     discovery.refresh();
 }

@@ -7,7 +7,8 @@ import { act } from "./status.js";
 
 const $ = (id) => document.getElementById(id);
 const reference = (r) => (r ? `${r.deviceID} / ${r.serial || "—"}` : "—");
-const monitor = (m) => (m ? `${m.product} ${m.serial}${"panelRevision" in m ? `, panel ${m.panelRevision}` : ""}` : "—");
+const monitor = (m) =>
+    m ? `${m.product} ${m.serial}${"panelRevision" in m ? `, panel ${m.panelRevision}` : ""}` : "—";
 const date = (d) => d?.dateString || "—";
 
 // caption: what the heading of the view does not already say, or null.
@@ -17,14 +18,26 @@ function table(caption, columns, rows, highlight = () => false) {
         "table",
         {},
         caption ? h("caption", {}, caption) : null,
-        h("thead", {}, h("tr", {}, columns.map(([title]) => h("th", { scope: "col" }, title)))),
+        h(
+            "thead",
+            {},
+            h(
+                "tr",
+                {},
+                columns.map(([title]) => h("th", { scope: "col" }, title)),
+            ),
+        ),
         h(
             "tbody",
             {},
             rows.map((row) =>
-                h("tr", { class: highlight(row) ? "current" : null }, columns.map(([, cell]) => h("td", {}, cell(row))))
-            )
-        )
+                h(
+                    "tr",
+                    { class: highlight(row) ? "current" : null },
+                    columns.map(([, cell]) => h("td", {}, cell(row))),
+                ),
+            ),
+        ),
     );
 }
 
@@ -49,7 +62,12 @@ const VIEWS = [
         "Correlation database entries",
         (entries, all) => {
             const current = all["Correlation/Database"];
-            return table("★ equals the data the monitor holds now", ENTRY_COLUMNS, entries, (e) => current?.id === e.id);
+            return table(
+                "★ equals the data the monitor holds now",
+                ENTRY_COLUMNS,
+                entries,
+                (e) => current?.id === e.id,
+            );
         },
     ],
     [
@@ -67,29 +85,41 @@ const VIEWS = [
                         ["Y", (r) => r.v[1]],
                         ["Z", (r) => r.v[2]],
                     ],
-                    d.matrix.map((v, i) => ({ i, v }))
-                )
+                    d.matrix.map((v, i) => ({ i, v })),
+                ),
             ),
     ],
-    ["CorrelationMatrix/Database?available", "Matrix database entries", (entries) => table(null, ENTRY_COLUMNS, entries)],
+    [
+        "CorrelationMatrix/Database?available",
+        "Matrix database entries",
+        (entries) => table(null, ENTRY_COLUMNS, entries),
+    ],
     [
         "Correlation?available",
         "Correlation corrections stored in the sensor",
         (list) =>
-            table(null, [
-                ["id", (c) => c.id],
-                ["reference sensor", (c) => reference(c.referenceSensor)],
-                ["monitor", (c) => monitor(c.monitor)],
-            ], list),
+            table(
+                null,
+                [
+                    ["id", (c) => c.id],
+                    ["reference sensor", (c) => reference(c.referenceSensor)],
+                    ["monitor", (c) => monitor(c.monitor)],
+                ],
+                list,
+            ),
     ],
     [
         "CorrelationMatrix?available",
         "Correlation matrices stored in the sensor",
         (list) =>
-            table(null, [
-                ["id", (c) => c.id],
-                ["reference sensor", (c) => reference(c.referenceSensor)],
-            ], list),
+            table(
+                null,
+                [
+                    ["id", (c) => c.id],
+                    ["reference sensor", (c) => reference(c.referenceSensor)],
+                ],
+                list,
+            ),
     ],
 ];
 
@@ -124,9 +154,9 @@ export class CorrelationView {
                         h("h4", {}, title),
                         results[i].status === 200
                             ? view(results[i].value, values)
-                            : h("p", { class: "status error" }, describeFailure(results[i]))
-                    )
-                )
+                            : h("p", { class: "status error" }, describeFailure(results[i])),
+                    ),
+                ),
             );
             return results.find((r) => r.status !== 200) || { status: 200 };
         });

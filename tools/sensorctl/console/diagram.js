@@ -40,7 +40,7 @@ function locus(cmf) {
             svg(
                 "text",
                 { x: toView(0.4, 0.45).vx, y: toView(0.4, 0.45).vy, class: "missing", "text-anchor": "middle" },
-                "Spectral locus unavailable: this build found no CIE 1931 table (colord-data)."
+                "Spectral locus unavailable: this build found no CIE 1931 table (colord-data).",
             ),
         ];
     const labels = LABELLED_NM.map((nm) => points.find((p) => Math.abs(p.nm - nm) < 0.01))
@@ -53,7 +53,7 @@ function locus(cmf) {
             return svg(
                 "text",
                 { x: vx + (left ? -6 : 6), y: vy + 4, class: "nm", "text-anchor": left ? "end" : "start" },
-                `${p.nm}`
+                `${p.nm}`,
             );
         });
     return [
@@ -99,7 +99,7 @@ export class ChromaticityDiagram {
             srgb(),
             svg("text", { x: corner.vx, y: corner.vy + 34, class: "axis", "text-anchor": "middle" }, "x"),
             svg("text", { x: 14, y: toView(0, FRAME.yMax / 2).vy, class: "axis" }, "y"),
-            this.points
+            this.points,
         );
         element.replaceChildren(this.root);
     }
@@ -119,9 +119,9 @@ export class ChromaticityDiagram {
                         class: latest ? "reading latest" : "reading",
                         "data-reading": r.index,
                     },
-                    svg("title", {}, `Reading ${r.index}: x ${r.x.toFixed(4)}, y ${r.y.toFixed(4)}`)
+                    svg("title", {}, `Reading ${r.index}: x ${r.x.toFixed(4)}, y ${r.y.toFixed(4)}`),
                 );
-            })
+            }),
         );
     }
 }

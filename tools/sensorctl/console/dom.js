@@ -15,8 +15,7 @@ function build(element, attributes, children) {
 }
 
 export const h = (tag, attributes, ...children) => build(document.createElement(tag), attributes, children);
-export const svg = (tag, attributes, ...children) =>
-    build(document.createElementNS(SVG_NS, tag), attributes, children);
+export const svg = (tag, attributes, ...children) => build(document.createElementNS(SVG_NS, tag), attributes, children);
 
 export function replace(element, ...children) {
     element.replaceChildren();

@@ -15,7 +15,9 @@ function describe(type, data) {
     }
     if (type === "reading" && data && typeof data === "object") {
         const XYZ = data.value?.XYZ;
-        const text = XYZ ? `X ${XYZ.X.toFixed(3)}, Y ${XYZ.Y.toFixed(3)}, Z ${XYZ.Z.toFixed(3)}` : JSON.stringify(data.value);
+        const text = XYZ
+            ? `X ${XYZ.X.toFixed(3)}, Y ${XYZ.Y.toFixed(3)}, Z ${XYZ.Z.toFixed(3)}`
+            : JSON.stringify(data.value);
         return [h("span", { class: "code" }, "reading"), ` ${data.path}: ${text}`];
     }
     return [h("span", { class: "code" }, type), ` ${typeof data === "string" ? data : JSON.stringify(data)}`];
@@ -29,7 +31,13 @@ export class EventLog {
 
     add(type, data, time = new Date()) {
         this.list.prepend(
-            h("li", { "data-type": type }, h("time", { datetime: time.toISOString() }, time.toTimeString().slice(0, 8)), " ", describe(type, data))
+            h(
+                "li",
+                { "data-type": type },
+                h("time", { datetime: time.toISOString() }, time.toTimeString().slice(0, 8)),
+                " ",
+                describe(type, data),
+            ),
         );
         while (this.list.children.length > LIMIT) this.list.lastElementChild.remove();
     }

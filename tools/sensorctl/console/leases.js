@@ -29,7 +29,10 @@ export class Leases {
         const token = lease.token ?? lease.lease;
         if (typeof token === "string") this.api.leases.set(sensorId, token);
         clearTimeout(this.timers.get(sensorId));
-        this.timers.set(sensorId, setTimeout(() => this.take(sensorId), (SECONDS / 3) * 1000));
+        this.timers.set(
+            sensorId,
+            setTimeout(() => this.take(sensorId), (SECONDS / 3) * 1000),
+        );
         const expires = lease.expires ?? lease.expiry ?? lease.expiresAt;
         this.onChange(sensorId, { held: true, text: expires ? `Held until ${expires}.` : "Held." });
         return result;
@@ -38,7 +41,12 @@ export class Leases {
     async release(sensorId) {
         const result = await this.api.call("DELETE", this.path(sensorId));
         this.forget(sensorId);
-        this.onChange(sensorId, result.status === 200 ? { held: false, text: "Released." } : { held: false, error: describeFailure(result) });
+        this.onChange(
+            sensorId,
+            result.status === 200
+                ? { held: false, text: "Released." }
+                : { held: false, error: describeFailure(result) },
+        );
         return result;
     }
 

@@ -66,7 +66,15 @@ export function renderTable(table, readings) {
     const shown = COLUMNS.filter(([title]) => title !== "sensor id");
     table.replaceChildren(
         h("caption", {}, readings.length ? `${readings.length} readings, newest first` : "No readings yet"),
-        h("thead", {}, h("tr", {}, shown.map(([title]) => h("th", { scope: "col" }, title)))),
+        h(
+            "thead",
+            {},
+            h(
+                "tr",
+                {},
+                shown.map(([title]) => h("th", { scope: "col" }, title)),
+            ),
+        ),
         h(
             "tbody",
             {},
@@ -83,11 +91,11 @@ export function renderTable(table, readings) {
                                 "data-value": typeof get(r) === "number" ? String(get(r)) : null,
                                 title: title === "sensor" ? r.sensorId : null,
                             },
-                            displayCell(title, get(r))
-                        )
-                    )
-                )
-            )
-        )
+                            displayCell(title, get(r)),
+                        ),
+                    ),
+                ),
+            ),
+        ),
     );
 }

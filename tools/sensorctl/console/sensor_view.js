@@ -43,7 +43,13 @@ export class SensorView {
             this.applyCorrection(e.submitter);
         });
         $("release-correction").addEventListener("click", (e) =>
-            act(e.currentTarget, $("correction-status"), "Releasing…", () => this.call("DELETE", "Correction"), "Released.")
+            act(
+                e.currentTarget,
+                $("correction-status"),
+                "Releasing…",
+                () => this.call("DELETE", "Correction"),
+                "Released.",
+            ),
         );
     }
 
@@ -59,7 +65,14 @@ export class SensorView {
         $("sensor-hint").hidden = !!sensor;
         $("sensor-title").textContent = sensor ? sensor.name || "Sensor" : "No sensor selected";
         $("lease").checked = !!sensor && this.leases.holds(sensor.id);
-        for (const id of ["sensor-status", "lease-status", "mode-status", "calibration-status", "measure-status", "correction-status"])
+        for (const id of [
+            "sensor-status",
+            "lease-status",
+            "mode-status",
+            "calibration-status",
+            "measure-status",
+            "correction-status",
+        ])
             showStatus($(id), "", "");
         if (!sensor) return;
         await Promise.all([this.describe(), this.modes(), this.needsCalibration(), this.exCorrections()]);
@@ -87,7 +100,7 @@ export class SensorView {
                 h("dd", { "data-key": key }, text(result.value[key])),
             ]),
             h("dt", {}, "Sensor id"),
-            h("dd", { class: "id" }, sensor.id)
+            h("dd", { class: "id" }, sensor.id),
         );
     }
 
@@ -123,7 +136,7 @@ export class SensorView {
                 $("calibration-status"),
                 "Calibrating… keep the sensor in its calibration position.",
                 () => this.call("PUT", "Calibration"),
-                "Calibrated."
+                "Calibrated.",
             );
             if (result.status === 200) await this.needsCalibration();
         } finally {
@@ -187,11 +200,17 @@ export class SensorView {
         const select = h(
             "select",
             { id: "ex-correction" },
-            names.value.map((name, i) => h("option", { value: i, selected: index.value === i }, name))
+            names.value.map((name, i) => h("option", { value: i, selected: index.value === i }, name)),
         );
         const status = $("correction-status");
         select.addEventListener("change", () =>
-            act(select, status, "Selecting…", () => this.call("PUT", "ExCorrection", Number(select.value)), "Selected.")
+            act(
+                select,
+                status,
+                "Selecting…",
+                () => this.call("PUT", "ExCorrection", Number(select.value)),
+                "Selected.",
+            ),
         );
         replace(box, h("label", {}, "Extra correction ", select));
     }

@@ -69,7 +69,9 @@ export class Discovery {
         this.open = ids.value.map((id, i) => ({ id, name: nameList[i] || "", via: opened[id] || null }));
         replace(
             $("open-sensors"),
-            this.open.length ? this.open.map((s) => this.openItem(s)) : h("li", { class: "empty" }, "No sensor is open.")
+            this.open.length
+                ? this.open.map((s) => this.openItem(s))
+                : h("li", { class: "empty" }, "No sensor is open."),
         );
         if (this.selected && !this.open.some((s) => s.id === this.selected.id)) this.select(null);
     }
@@ -79,7 +81,7 @@ export class Discovery {
         const status = h("span", { class: "status" });
         close.addEventListener("click", async () => {
             const result = await act(close, status, "Closing…", () =>
-                this.api.call("DELETE", path("Sensors", sensor.id))
+                this.api.call("DELETE", path("Sensors", sensor.id)),
             );
             if (result.status === 200) {
                 this.onClosed(sensor.id);
@@ -99,12 +101,12 @@ export class Discovery {
                     "aria-current": current ? "true" : null,
                     onclick: () => this.select(sensor),
                 },
-                sensor.name || "(no name)"
+                sensor.name || "(no name)",
             ),
             h("small", { class: "id" }, sensor.id),
             sensor.via?.monitor ? h("small", {}, ` in ${sensor.via.monitor.product}`) : null,
             close,
-            status
+            status,
         );
     }
 
@@ -129,9 +131,9 @@ export class Discovery {
                       this.candidate(names[i], `device ${d.deviceID}, individual id ${d.individualID}`, [
                           ["Open", path("Sensors", String(d.deviceID))],
                           ["Open by individual id", path("Sensors", "Individual", d.individualID)],
-                      ])
+                      ]),
                   )
-                : h("li", { class: "empty" }, "No sensor on USB.")
+                : h("li", { class: "empty" }, "No sensor on USB."),
         );
     }
 
@@ -140,7 +142,7 @@ export class Discovery {
         localStorage.setItem(MAPPINGS_KEY, text);
         const status = $("discovery-status");
         const set = await act(button, status, "Setting the serial mappings…", () =>
-            this.api.call("PUT", "/Sensors", { serialMappings: parseMappings(text) })
+            this.api.call("PUT", "/Sensors", { serialMappings: parseMappings(text) }),
         );
         if (set.status !== 200) return;
         const found = await this.api.call("GET", "/Sensors?serialConnected");
@@ -150,9 +152,9 @@ export class Discovery {
             $("serial-sensors"),
             found.value.length
                 ? found.value.map((d, i) =>
-                      this.candidate(names[i], `device ${d.deviceID}`, [["Open", path("Sensors", String(d.deviceID))]])
+                      this.candidate(names[i], `device ${d.deviceID}`, [["Open", path("Sensors", String(d.deviceID))]]),
                   )
-                : h("li", { class: "empty" }, "No mapped device is plugged in.")
+                : h("li", { class: "empty" }, "No mapped device is plugged in."),
         );
     }
 
@@ -170,9 +172,17 @@ export class Discovery {
             h("span", { class: "name" }, name || "(unknown model)"),
             h("small", {}, details),
             actions.map(([label, target]) =>
-                h("button", { type: "button", class: "small", onclick: (e) => this.openWith(e.currentTarget, target, {}, status) }, label)
+                h(
+                    "button",
+                    {
+                        type: "button",
+                        class: "small",
+                        onclick: (e) => this.openWith(e.currentTarget, target, {}, status),
+                    },
+                    label,
+                ),
             ),
-            status
+            status,
         );
     }
 
@@ -187,4 +197,3 @@ export class Discovery {
         if (sensor) this.select(sensor);
     }
 }
-
