@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { after, before, describe, test } from "node:test";
 
-import { launchBrowser, startGateway } from "./harness.mjs";
+import { launchBrowser, screenshots, startGateway } from "./harness.mjs";
 import { diagramPixels } from "./pixels.mjs";
 
 const fromTable = async (row, column) =>
@@ -105,15 +105,33 @@ describe("the console on the default world", () => {
 
     test("the diagram is drawn: spectral locus, sRGB triangle and the reading", async () => {
         const pixels = await diagramPixels(page, browser.context);
+        await page.screenshot({ path: `${screenshots}/console.png`, fullPage: true });
         assert.ok(pixels.locusFill > 0.25, `locus fill covers ${pixels.locusFill} of the plot`);
         assert.ok(pixels.triangle > 100, `${pixels.triangle} pixels of the sRGB triangle`);
         assert.ok(pixels.reading.count > 20, `${pixels.reading.count} pixels of the latest reading`);
         assert.ok(pixels.reading.offset < 2, `the drawn reading is ${pixels.reading.offset} px from its place`);
     });
 
+    test("continuous measurement goes on until stopped", async () => {
+        const rows = page.locator("#reading-table tbody tr");
+        const before = await rows.count();
+        await page.fill("#interval", "0.2");
+        await page.getByRole("button", { name: "Measure continuously" }).click();
+        await rows.nth(before + 2).waitFor();
+        await page.getByRole("button", { name: "Stop measuring", pressed: true }).click();
+        await page.getByRole("button", { name: "Measure continuously", pressed: false }).waitFor();
+        const stopped = await rows.count();
+        await page.waitForTimeout(600);
+        assert.equal(await rows.count(), stopped);
+        await page.getByRole("button", { name: "Clear" }).first().click();
+        await page.getByText("No readings yet").waitFor();
+    });
+
     test("CSV export holds the table's readings with every digit", async () => {
-        await page.getByRole("button", { name: "Measure once" }).click();
-        await page.locator("#reading-table tbody tr").nth(1).waitFor();
+        for (const n of [0, 1]) {
+            await page.getByRole("button", { name: "Measure once" }).click();
+            await page.locator("#reading-table tbody tr").nth(n).waitFor();
+        }
         const [download] = await Promise.all([
             page.waitForEvent("download"),
             page.getByRole("button", { name: "Export CSV" }).click(),

@@ -1,7 +1,7 @@
 // Starts `sensorctl serve` on the simulated world and Debian's chromium, as
 // the browser tests need them.
 import { spawn } from "node:child_process";
-import { mkdtempSync, rmSync } from "node:fs";
+import { mkdirSync, mkdtempSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
@@ -11,6 +11,9 @@ import { chromium } from "playwright-core";
 const here = path.dirname(fileURLToPath(import.meta.url));
 export const buildDir = path.resolve(process.env.SENSORCTL_BUILD_DIR || path.join(here, "../../build"));
 const sensorctl = path.join(buildDir, "bin/sensorctl");
+// Where the tests leave their screenshots for people to look at.
+export const screenshots = path.join(buildDir, "console-screenshots");
+mkdirSync(screenshots, { recursive: true });
 const chromiumPath = process.env.CHROMIUM || "/usr/bin/chromium";
 
 // Starts the gateway with `env` added (SENSORSIM_SCENARIO, SENSORSIM_INJECT,
