@@ -64,8 +64,34 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
     httplib::Server::Handler handler = [this](httplib::Request const& request, httplib::Response& response) {
         handle(request, response);
     };
-    server_.Get(".*", handler).Post(".*", handler).Put(".*", handler).Delete(".*", handler);
-    server_.Patch(".*", handler).Options(".*", handler);
+    // Bodies are read here rather than by the HTTP library, which does not
+    // hold chunked bodies to the size limit.
+    httplib::Server::HandlerWithContentReader reading = [this](httplib::Request const& request,
+                                                               httplib::Response& response,
+                                                               httplib::ContentReader const& reader) {
+        std::string body;
+        bool over = false;
+        bool const read = reader([&](char const* data, size_t length) {
+            over = body.size() + length > options_.maxBodyBytes;
+            if (!over) body.append(data, length);
+            return !over;
+        });
+        auto& writable = const_cast<httplib::Request&>(request); // the library's own, handed over as const
+        if (!read) {
+            // Over the limit by its Content-Length (the HTTP library said 413)
+            // or by what arrived, or cut short.
+            int const status = over || response.status == 413 ? 413 : 400;
+            writable.set_header("Connection", "close"); // the rest of the body may still be on its way
+            response.status = status;
+            response.set_content(HttpErrorText(status, options_.maxBodyBytes), "application/json");
+            return;
+        }
+        writable.body = std::move(body);
+        handle(request, response);
+    };
+    server_.Get(".*", handler).Options(".*", handler);
+    server_.Post(".*", handler).Put(".*", handler).Delete(".*", handler).Patch(".*", handler);
+    server_.Post(".*", reading).Put(".*", reading).Delete(".*", reading).Patch(".*", reading);
 
     server_.set_pre_routing_handler([](httplib::Request const& request, httplib::Response&) {
         t_started = Clock::now();
