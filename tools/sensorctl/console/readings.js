@@ -65,11 +65,15 @@ function displayCell(title, value) {
 export function renderTable(table, readings) {
     const shown = COLUMNS.filter(([title]) => title !== "sensor id");
     table.replaceChildren(
-        h("caption", {}, readings.length === 1
+        h(
+            "caption",
+            {},
+            readings.length === 1
                 ? "1 reading"
                 : readings.length
                   ? `${readings.length} readings, newest first`
-                  : "No readings yet"),
+                  : "No readings yet",
+        ),
         h(
             "thead",
             {},
