@@ -75,10 +75,10 @@ export class Api {
 }
 
 // One line for an answer that failed, as the library words it:
-// 'Calibrate sensor.: Sensor connection error. (DvError, HTTP 500)'.
+// 'Calibrate sensor. Sensor connection error. (DvError, HTTP 500)'.
 export function describeFailure(result) {
     const error = result.error || {};
-    const words = [error.reason, error.message].filter(Boolean).join(": ") || "Request failed.";
+    const words = [error.reason, error.message].filter(Boolean).join(" ") || "Request failed.";
     const kind = [error.name, result.status ? `HTTP ${result.status}` : "no answer"].filter(Boolean);
     const lead = result.status === 409 ? "Another client holds this sensor. " : "";
     return `${lead}${words} (${kind.join(", ")})`;
