@@ -120,6 +120,8 @@ describe("the console on the default world", () => {
         await rows.nth(before + 2).waitFor();
         await page.getByRole("button", { name: "Stop measuring", pressed: true }).click();
         await page.getByRole("button", { name: "Measure continuously", pressed: false }).waitFor();
+        // A measurement already under way still lands; nothing starts after it.
+        await page.locator("#measure:enabled").waitFor();
         const stopped = await rows.count();
         await page.waitForTimeout(600);
         assert.equal(await rows.count(), stopped);
