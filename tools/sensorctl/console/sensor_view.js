@@ -26,7 +26,7 @@ export class SensorView {
         this.leases = leases;
         this.onReading = onReading;
         this.sensor = null;
-        this.continuous = false;
+        this.run = null; // the continuous measurement under way
         $("mode-form").addEventListener("submit", (e) => {
             e.preventDefault();
             this.setMode(e.submitter);
@@ -154,24 +154,26 @@ export class SensorView {
         return result;
     }
 
+    // One run at a time: a run ends when it is stopped, when another sensor
+    // is shown, or at the first failed measurement; a stop and a quick
+    // restart leave the old run to end at its next turn.
     async toggleContinuous() {
-        if (this.continuous) return this.stopContinuous();
+        if (this.run) return this.stopContinuous();
+        const run = (this.run = {});
         const toggle = $("measure-continuously");
-        this.continuous = true;
         toggle.setAttribute("aria-pressed", "true");
         toggle.textContent = "Stop measuring";
-        const sensor = this.sensor;
-        while (this.continuous && sensor === this.sensor) {
+        while (run === this.run) {
             const result = await this.measureOnce($("measure"));
             if (result.status !== 200) break;
             const seconds = Math.max(0.2, Number($("interval").value) || 1);
             await new Promise((resolve) => setTimeout(resolve, seconds * 1000));
         }
-        this.stopContinuous();
+        if (run === this.run) this.stopContinuous();
     }
 
     stopContinuous() {
-        this.continuous = false;
+        this.run = null;
         const toggle = $("measure-continuously");
         toggle.setAttribute("aria-pressed", "false");
         toggle.textContent = "Measure continuously";
