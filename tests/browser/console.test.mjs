@@ -199,6 +199,28 @@ describe("the console on the default world", () => {
         }
     });
 
+    test("holding a sensor keeps other clients out until it is released", async () => {
+        const lease = page.getByLabel("Hold this sensor");
+        await lease.check();
+        await page.locator("#lease-status", { hasText: "Held until" }).waitFor();
+        assert.equal((await api("GET", `/Sensors/${sensor}/XYZ`)).status, 409);
+        // The console's own requests carry the lease.
+        await page.getByRole("button", { name: "Measure once" }).click();
+        await page.locator("#measure-status", { hasText: "taken" }).waitFor();
+        await lease.uncheck();
+        await page.locator("#lease-status", { hasText: "Released." }).waitFor();
+        assert.equal((await api("GET", `/Sensors/${sensor}/XYZ`)).status, 200);
+    });
+
+    test("a sensor on a serial port is listed from the mappings and opens", async () => {
+        await page.fill("#serial-mappings", "usbserial-LX21A = 21");
+        await page.getByRole("button", { name: "Set mappings and list" }).click();
+        const port = page.locator("#serial-sensors li", { hasText: "Lumetra Serial 21" });
+        await port.getByRole("button", { name: "Open" }).click();
+        await page.locator('#description dd[data-key="deviceID"]', { hasText: "21" }).waitFor();
+        await page.locator("#open-sensors li", { hasText: "Lumetra Serial 21" }).waitFor();
+    });
+
     test("a monitor's sensor shows its correlation: description, database entries, matrix", async () => {
         await page.fill("#monitor-product", "LMN27A");
         await page.fill("#monitor-serial", "41A00017");
