@@ -6,6 +6,7 @@ import { act, showStatus } from "./status.js";
 
 const OPENED_KEY = "sensorctl.opened"; // sensor id -> how this console opened it
 const MAPPINGS_KEY = "sensorctl.serialMappings";
+const MONITOR_KEY = "sensorctl.monitor"; // the last [product, serial] opened
 
 const $ = (id) => document.getElementById(id);
 const path = (...segments) => "/" + segments.map(encodeURIComponent).join("/");
@@ -24,6 +25,15 @@ export function parseMappings(text) {
     return mappings;
 }
 
+// A JSON value kept in storage; the fallback when it is missing or damaged.
+function stored(storage, key, fallback) {
+    try {
+        return JSON.parse(storage.getItem(key)) ?? fallback;
+    } catch {
+        return fallback;
+    }
+}
+
 export class Discovery {
     constructor(api, { onSelect, onClosed }) {
         this.api = api;
@@ -38,20 +48,21 @@ export class Discovery {
             e.preventDefault();
             this.listSerial(e.submitter);
         });
+        const last = stored(localStorage, MONITOR_KEY, []);
+        const [product, serial] = Array.isArray(last) ? last : [];
+        $("monitor-product").value = product || "";
+        $("monitor-serial").value = serial || "";
         $("monitor-form").addEventListener("submit", (e) => {
             e.preventDefault();
             const product = $("monitor-product").value.trim();
             const serial = $("monitor-serial").value.trim();
+            localStorage.setItem(MONITOR_KEY, JSON.stringify([product, serial]));
             this.openWith(e.submitter, path("Monitors", product, serial, "Sensor"), { monitor: { product, serial } });
         });
     }
 
     opened() {
-        try {
-            return JSON.parse(sessionStorage.getItem(OPENED_KEY)) || {};
-        } catch {
-            return {};
-        }
+        return stored(sessionStorage, OPENED_KEY, {});
     }
 
     async refresh() {
