@@ -13,7 +13,7 @@ const path = (...segments) => "/" + segments.map(encodeURIComponent).join("/");
 
 // "usbserial-LX21A = 21" lines -> {"usbserial-LX21A": 21}; the library reads
 // the ids, so they are passed as the user wrote them when not plain numbers.
-export function parseMappings(text) {
+function parseMappings(text) {
     const mappings = {};
     for (const line of text.split(/\r?\n/)) {
         const at = line.lastIndexOf("=");
