@@ -210,6 +210,13 @@ describe("the console on the default world", () => {
         await lease.uncheck();
         await page.locator("#lease-status", { hasText: "Released." }).waitFor();
         assert.equal((await api("GET", `/Sensors/${sensor}/XYZ`)).status, 200);
+
+        // Leaving the page lets go of its leases; the token stays with the tab.
+        await lease.check();
+        await page.locator("#lease-status", { hasText: "Held until" }).waitFor();
+        await page.reload();
+        await page.locator("#usb-sensors li", { hasText: "Lumetra Spectro 8" }).waitFor();
+        assert.equal((await api("GET", `/Sensors/${sensor}/XYZ`)).status, 200);
     });
 
     test("a sensor on a serial port is listed from the mappings and opens", async () => {

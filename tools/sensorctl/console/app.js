@@ -68,6 +68,7 @@ $("change-token").addEventListener("click", () => askToken(""));
 const eventLog = new EventLog($("event-log"), $("clear-log"));
 const leases = new Leases(api, (id, state) => sensorView.leaseChanged(id, state));
 const sensorView = new SensorView(api, leases, { onReading: addReading });
+addEventListener("pagehide", () => leases.releaseAll());
 const correlationView = new CorrelationView(api);
 const discovery = new Discovery(api, {
     onSelect: (sensor) => {

@@ -50,6 +50,16 @@ export class Leases {
         return result;
     }
 
+    // When the page goes away its leases go too, rather than keeping other
+    // clients out until they expire. keepalive lets the requests outlive the page.
+    releaseAll() {
+        for (const sensorId of [...this.api.leases.keys()]) {
+            const path = this.path(sensorId);
+            fetch(path, { method: "DELETE", headers: this.api.headers(path), keepalive: true });
+            this.forget(sensorId);
+        }
+    }
+
     forget(sensorId) {
         clearTimeout(this.timers.get(sensorId));
         this.timers.delete(sensorId);
