@@ -22,6 +22,12 @@ SensorQueues::Turn SensorQueues::wait(std::string const& sensor) {
     return Turn(this, sensor, line);
 }
 
+size_t SensorQueues::pending(std::string const& sensor) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    auto it = lines_.find(sensor);
+    return it == lines_.end() ? 0 : it->second->holders;
+}
+
 void SensorQueues::done(std::string const& sensor, Line* line) {
     std::lock_guard<std::mutex> lock(mutex_);
     ++line->serving;

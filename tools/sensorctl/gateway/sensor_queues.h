@@ -38,6 +38,9 @@ public:
 
     Turn wait(std::string const& sensor);
 
+    // Requests of the sensor running or waiting.
+    size_t pending(std::string const& sensor);
+
 private:
     struct Line {
         uint64_t next = 0;    // the ticket the next arrival takes
