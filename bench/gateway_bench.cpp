@@ -28,8 +28,8 @@ struct World {
             std::exit(1);
         }
         library.setup();
-        sensorctl::Response opened =
-            library.call("DeviceID", sensorctl::MakeCallTexts(sensorctl::Method::Post, {{"deviceID", "8"}}, {}, ""));
+        sensorctl::Response opened = library.call(
+            "DeviceID", sensorctl::MakeCallTexts(sensorctl::Method::Post, {{"deviceID", "8"}}, {}, ""));
         sensor = opened.text.substr(opened.text.find("\"value\":\"") + 9, 36);
 
         sensorctl::gateway::GatewayOptions options;
