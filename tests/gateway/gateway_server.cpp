@@ -88,16 +88,20 @@ bool Complete(std::string const& answer) {
 
 } // namespace
 
-std::string RawExchange(int port, std::string const& raw, int timeoutMs) {
+int ConnectLoopback(int port) {
     int fd = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-        close(fd);
-        return std::string();
-    }
+    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) return fd;
+    close(fd);
+    return -1;
+}
+
+std::string RawExchange(int port, std::string const& raw, int timeoutMs) {
+    int fd = ConnectLoopback(port);
+    if (fd < 0) return std::string();
     for (size_t sent = 0; sent < raw.size();) {
         ssize_t n = send(fd, raw.data() + sent, raw.size() - sent, MSG_NOSIGNAL);
         if (n <= 0) break; // the server may close early; what it answered is still read

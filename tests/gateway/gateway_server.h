@@ -41,6 +41,9 @@ private:
     std::thread thread_;
 };
 
+// A connected socket, or -1.
+int ConnectLoopback(int port);
+
 // Sends `raw` on a fresh connection and reads one answer, until the server
 // closes the connection or `timeoutMs` passes; "" when nothing came.
 std::string RawExchange(int port, std::string const& raw, int timeoutMs = 2000);

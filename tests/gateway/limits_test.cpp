@@ -1,8 +1,5 @@
 // Limits with clear answers (body size, request rate, connections), and
 // requests that are not HTTP at all: answered, never a crash.
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -15,16 +12,6 @@
 
 namespace gatewaytest {
 namespace {
-
-int Connect(int port) {
-    int fd = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(0, connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address));
-    return fd;
-}
 
 std::string Get(GatewayServer const& server, std::string const& path) {
     return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
@@ -89,8 +76,8 @@ TEST(GatewayLimits, ConnectionsOverTheLimitAnswer503) {
     options.maxConnections = 2;
     GatewayServer server(options);
     // Two idle connections hold both places.
-    int const first = Connect(server.port());
-    int const second = Connect(server.port());
+    int const first = ConnectLoopback(server.port());
+    int const second = ConnectLoopback(server.port());
     std::string const refused = RawExchange(server.port(), Get(server, "/Sensors"));
     EXPECT_EQ(0u, refused.find("HTTP/1.1 503")) << refused;
     EXPECT_NE(std::string::npos, refused.find("\"name\":\"ServiceUnavailableError\"")) << refused;
@@ -117,7 +104,6 @@ TEST(GatewayLimits, MalformedRequestsAreAnsweredAndTheServerGoesOn) {
         char const* statusLine; // "" when closing without an answer is fine too
     } const cases[] = {
         {"not HTTP", "HELLO\r\n\r\n", "HTTP/1.1 400"},
-        {"binary", std::string("\x00\xff\x01\x02\r\n\r\n", 8), "HTTP/1.1 400"},
         {"unknown method", "BREW /Sensors HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 400"},
         {"target too long", "GET /" + std::string(10000, 'a') + " HTTP/1.1\r\n" + host + "\r\n",
          "HTTP/1.1 414"},

@@ -1,6 +1,7 @@
 // `sensorctl serve` as a user runs it: the address printed once, the token
 // file honoured, requests served, a clean stop on SIGTERM.
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,6 +37,10 @@ TEST(GatewayServeCommand, PrintsTheConsoleAddressAndServesUntilStopped) {
     char line[512] = {};
     ASSERT_NE(nullptr, fgets(line, sizeof line, printed)) << "sensorctl serve printed nothing";
 
+    // The token file was made owner-only, and the printed token is its token.
+    struct stat info {};
+    ASSERT_EQ(0, stat(tokenFile.c_str(), &info));
+    EXPECT_EQ(0600u, info.st_mode & 0777u);
     std::string token, error;
     ASSERT_TRUE(sensorctl::gateway::ReadOrCreateTokenFile(tokenFile, &token, &error)) << error;
     std::smatch match;

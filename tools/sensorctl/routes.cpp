@@ -136,21 +136,29 @@ std::vector<Route> const& Routes() {
 }
 
 RouteMatch MatchRoute(Method method, std::string_view path, bool withGatewayRows) {
+    // Split once: the gateway matches every request it serves.
+    static std::vector<std::vector<std::string_view>> const kPatterns = [] {
+        std::vector<std::vector<std::string_view>> patterns;
+        for (Route const& route : kRoutes)
+            patterns.push_back(Segments(route.pattern));
+        return patterns;
+    }();
     std::vector<std::string_view> const segments = Segments(path);
     for (Route const& route : kRoutes) {
         if (!(route.methods & MaskOf(method))) continue;
         if (route.kind == RouteKind::Gateway && !withGatewayRows) continue;
-        std::vector<std::string_view> const pattern = Segments(route.pattern);
+        std::vector<std::string_view> const& pattern = kPatterns[&route - kRoutes.data()];
         if (pattern.size() != segments.size()) continue;
+        bool literalsMatch = true;
+        for (size_t i = 0; i < pattern.size() && literalsMatch; ++i)
+            literalsMatch = IsParameter(pattern[i]) || pattern[i] == segments[i];
+        if (!literalsMatch) continue;
         RouteMatch match;
         match.route = &route;
-        for (size_t i = 0; i < pattern.size() && match.route; ++i) {
+        for (size_t i = 0; i < pattern.size(); ++i)
             if (IsParameter(pattern[i]))
                 match.parameters.emplace_back(pattern[i].substr(1, pattern[i].size() - 2), segments[i]);
-            else if (pattern[i] != segments[i])
-                match.route = nullptr;
-        }
-        if (match.route) return match;
+        return match;
     }
     return RouteMatch();
 }

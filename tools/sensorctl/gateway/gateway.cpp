@@ -1,5 +1,7 @@
 #include "gateway.h"
 
+#include <sys/socket.h>
+
 #include <chrono>
 
 #include "connection_pool.h"
@@ -57,6 +59,13 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
     server_.new_task_queue = [maxConnections] { return new ConnectionPool(maxConnections); };
     server_.set_payload_max_length(options_.maxBodyBytes);
     server_.set_tcp_nodelay(true);
+    // Not SO_REUSEPORT, which the HTTP library sets by default: another
+    // process of the same user could bind the port too and take connections.
+    server_.set_socket_options([this](socket_t socket) {
+        int const yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        listenSocket_ = socket;
+    });
     server_.set_keep_alive_max_count(100000);
     server_.set_read_timeout(5);
     server_.set_write_timeout(5);
@@ -139,6 +148,10 @@ bool Gateway::bind(std::string* error) {
         *error = "cannot listen on " + HostForAddress(options_.host) + ":" + std::to_string(options_.port);
         return false;
     }
+    // The HTTP library listens with a backlog of 5: a burst of clients
+    // connecting at once would wait for SYN retries. Listening again only
+    // changes the backlog.
+    if (listenSocket_ >= 0) listen(listenSocket_, SOMAXCONN);
     access_.setPort(port_);
     return true;
 }

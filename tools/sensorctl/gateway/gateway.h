@@ -58,6 +58,7 @@ private:
     std::string description_; // /openapi.json
     httplib::Server server_;
     int port_ = 0;
+    int listenSocket_ = -1;
 };
 
 } // namespace sensorctl::gateway

@@ -2,39 +2,34 @@
 
 namespace sensorctl::gateway {
 
-SensorQueues::Turn::Turn(Turn&& other) noexcept
-    : queues_(other.queues_), sensor_(std::move(other.sensor_)), line_(other.line_) {
-    other.line_ = nullptr;
-}
-
-SensorQueues::Turn::~Turn() {
-    if (line_ != nullptr) queues_->done(sensor_, line_);
-}
-
 SensorQueues::Turn SensorQueues::wait(std::string const& sensor) {
     std::unique_lock<std::mutex> lock(mutex_);
-    std::unique_ptr<Line>& slot = lines_[sensor];
-    if (!slot) slot = std::make_unique<Line>();
-    Line* line = slot.get();
-    uint64_t const ticket = line->next++;
-    ++line->holders;
-    line->turn.wait(lock, [&] { return line->serving == ticket; });
-    return Turn(this, sensor, line);
+    auto [line, idle] = lines_.try_emplace(sensor);
+    if (!idle) {
+        Waiter waiter;
+        line->second.waiting.push_back(&waiter);
+        waiter.woken.wait(lock, [&] { return waiter.granted; });
+    }
+    return Turn(this, sensor);
 }
 
 size_t SensorQueues::pending(std::string const& sensor) {
     std::lock_guard<std::mutex> lock(mutex_);
     auto it = lines_.find(sensor);
-    return it == lines_.end() ? 0 : it->second->holders;
+    return it == lines_.end() ? 0 : 1 + it->second.waiting.size();
 }
 
-void SensorQueues::done(std::string const& sensor, Line* line) {
+void SensorQueues::done(std::string const& sensor) {
     std::lock_guard<std::mutex> lock(mutex_);
-    ++line->serving;
-    if (--line->holders == 0)
-        lines_.erase(sensor); // nobody waits: the line goes, and a later request starts a new one
-    else
-        line->turn.notify_all();
+    auto it = lines_.find(sensor);
+    if (it->second.waiting.empty()) {
+        lines_.erase(it);
+        return;
+    }
+    Waiter* next = it->second.waiting.front();
+    it->second.waiting.pop_front();
+    next->granted = true;
+    next->woken.notify_one();
 }
 
 } // namespace sensorctl::gateway

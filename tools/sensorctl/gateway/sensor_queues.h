@@ -1,11 +1,11 @@
-// Requests for one sensor are served in the order they arrived: each takes a
-// ticket and waits until every earlier ticket of that sensor is done.
-// Requests for different sensors never wait for each other.
+// Requests for one sensor are served in the order they arrived: each waits
+// in the sensor's line until every earlier request of that sensor is done,
+// and only the next in line is woken. Requests for different sensors never
+// wait for each other.
 #pragma once
 
 #include <condition_variable>
-#include <cstdint>
-#include <memory>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -13,27 +13,27 @@
 namespace sensorctl::gateway {
 
 class SensorQueues {
-    struct Line;
-
 public:
     // Held while the request runs; the next request of the sensor starts
     // when it is destroyed.
     class Turn {
     public:
-        Turn(Turn&& other) noexcept;
+        Turn(Turn&& other) noexcept : queues_(other.queues_), sensor_(std::move(other.sensor_)) {
+            other.queues_ = nullptr;
+        }
         Turn(Turn const&) = delete;
         Turn& operator=(Turn const&) = delete;
         Turn& operator=(Turn&&) = delete;
-        ~Turn();
+        ~Turn() {
+            if (queues_ != nullptr) queues_->done(sensor_);
+        }
 
     private:
         friend class SensorQueues;
-        Turn(SensorQueues* queues, std::string sensor, Line* line)
-            : queues_(queues), sensor_(std::move(sensor)), line_(line) {}
+        Turn(SensorQueues* queues, std::string sensor) : queues_(queues), sensor_(std::move(sensor)) {}
 
         SensorQueues* queues_;
         std::string sensor_;
-        Line* line_;
     };
 
     Turn wait(std::string const& sensor);
@@ -42,17 +42,18 @@ public:
     size_t pending(std::string const& sensor);
 
 private:
+    struct Waiter {
+        std::condition_variable woken;
+        bool granted = false;
+    };
     struct Line {
-        uint64_t next = 0;    // the ticket the next arrival takes
-        uint64_t serving = 0; // the ticket whose turn it is
-        size_t holders = 0;   // tickets taken and not yet done
-        std::condition_variable turn;
+        std::deque<Waiter*> waiting; // behind the request that runs, in arrival order
     };
 
-    void done(std::string const& sensor, Line* line);
+    void done(std::string const& sensor);
 
     std::mutex mutex_;
-    std::unordered_map<std::string, std::unique_ptr<Line>> lines_;
+    std::unordered_map<std::string, Line> lines_; // a sensor has a line while one of its requests runs
 };
 
 } // namespace sensorctl::gateway
