@@ -67,6 +67,9 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
         listenSocket_ = socket;
     });
     server_.set_keep_alive_max_count(100000);
+    // An idle kept-alive connection holds its thread, and stop() waits for it
+    // until this timeout: short, so that Ctrl-C ends the server promptly.
+    server_.set_keep_alive_timeout(2);
     server_.set_read_timeout(5);
     server_.set_write_timeout(5);
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "device_set.h"
 #include "gateway.h"
 #include "host_library.h"
 #include "scenario.h"
@@ -22,6 +23,7 @@ struct ServeOptions {
     gateway::GatewayOptions gateway;
     std::string libraryPath;
     std::string scenarioPath;
+    std::string backend; // "" (the library's own choice), "sim" or "linux"
     std::string tokenFile;
 };
 
@@ -76,6 +78,9 @@ int ParseServeOptions(int argc, char** argv, int first, ServeOptions* options) {
             options->libraryPath = value;
         } else if (arg == "--scenario") {
             options->scenarioPath = value;
+        } else if (arg == "--backend") {
+            options->backend = value;
+            ok = value == "sim" || value == "linux";
         } else if (arg == "--cors-origin") {
             options->gateway.corsOrigins.push_back(value);
         } else if (arg == "--max-body" || arg == "--rate-limit" || arg == "--max-connections") {
@@ -117,6 +122,17 @@ int RunServe(int argc, char** argv, int first) {
 
     Scenario scenario(options.scenarioPath);
     if (!scenario.prepare(std::cerr)) return kExitBackEnd;
+    if (!options.backend.empty()) {
+        std::string const folder = FindDeviceSet(options.libraryPath, options.backend);
+        if (folder.empty() || !PreloadDeviceSet(folder, &error)) {
+            std::cerr << "sensorctl serve: "
+                      << (folder.empty()
+                              ? "no " + options.backend + " device set beside " + options.libraryPath
+                              : error)
+                      << "\n";
+            return kExitBackEnd;
+        }
+    }
     HostLibrary library;
     if (!library.load(options.libraryPath, &error)) {
         std::cerr << "sensorctl serve: " << error << "\n";
