@@ -31,7 +31,9 @@ struct State {
     std::map<uintptr_t, OpenSensor> handles;
     uintptr_t nextHandle = 0x5E000000;
     Journal journal;
-    std::map<std::string, int32_t, std::less<>> injections;
+    // By function name; looked up with the caller's text, no string made.
+    using Injections = std::map<std::string, int32_t, std::less<>>;
+    Injections injections;
     std::set<std::string> interned;
 
     // Argument buffers of the calls in progress, one per nesting level of the

@@ -43,8 +43,8 @@ World loadInitialWorld() {
 // SENSORSIM_INJECT="MDCalibrate=0x80010002,MDMeasureXYZ2=0x80000007": the
 // injections a process starts with, for hosts that cannot call
 // SimInjectResult themselves (a browser talking to a gateway, say).
-std::map<std::string, int32_t> initialInjections() {
-    std::map<std::string, int32_t> injections;
+State::Injections initialInjections() {
+    State::Injections injections;
     char const* text = std::getenv("SENSORSIM_INJECT");
     if (text == nullptr) return injections;
     std::stringstream items(text);
