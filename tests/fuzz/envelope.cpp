@@ -30,8 +30,9 @@ std::vector<std::string> const& ExportNames() {
     static std::vector<std::string> const names = [] {
         std::vector<std::string> out;
         std::set<std::string> seen;
-        for (sensorctl::Route const& route : sensorctl::Routes())
-            if (seen.insert(route.exportName).second) out.push_back(route.exportName);
+        for (sensorctl::Route const& route : sensorctl::Routes()) // gateway rows name no export
+            if (*route.exportName != '\0' && seen.insert(route.exportName).second)
+                out.push_back(route.exportName);
         return out;
     }();
     return names;
