@@ -10,6 +10,12 @@
 #ifndef SENSORCONTROL_LIBRARY_SUFFIX
 #define SENSORCONTROL_LIBRARY_SUFFIX ".so"
 #endif
+#ifndef SENSORCONTROL_LIBRARY_FILE
+#define SENSORCONTROL_LIBRARY_FILE "libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX
+#endif
+#ifndef SENSORCTL_INSTALLED_LIBRARY_DIR
+#define SENSORCTL_INSTALLED_LIBRARY_DIR "../lib"
+#endif
 
 namespace sensorctl {
 
@@ -36,7 +42,12 @@ std::string DefaultLibraryPath(char const* argv0) {
     } else if (argv0 != nullptr) {
         executable = argv0;
     }
-    return Folder(executable) + "/../lib/libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX;
+    // Installed, the library folder may be lib/<multiarch> under the prefix;
+    // a build tree keeps everything in ../lib.
+    std::string const folder = Folder(executable);
+    std::string const installed = folder + "/" SENSORCTL_INSTALLED_LIBRARY_DIR "/" SENSORCONTROL_LIBRARY_FILE;
+    if (access(installed.c_str(), F_OK) == 0) return installed;
+    return folder + "/../lib/" SENSORCONTROL_LIBRARY_FILE;
 }
 
 HostLibrary::~HostLibrary() {

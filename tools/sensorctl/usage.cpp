@@ -6,8 +6,11 @@
 
 #include "routes.h"
 
-#ifndef SENSORCONTROL_LIBRARY_SUFFIX
-#define SENSORCONTROL_LIBRARY_SUFFIX ".so"
+#ifndef SENSORCTL_INSTALLED_LIBRARY_DIR
+#define SENSORCTL_INSTALLED_LIBRARY_DIR "../lib"
+#endif
+#ifndef SENSORCONTROL_VERSION
+#define SENSORCONTROL_VERSION "unknown"
 #endif
 
 namespace sensorctl {
@@ -20,7 +23,7 @@ Usage:
   sensorctl [options] 'REQUEST' ['REQUEST'...]   each argument is one request
   sensorctl [options] -f FILE                    one request per line; -f - reads standard input
   sensorctl [options] demo                       a guided tour of the simulated world
-  sensorctl --help
+  sensorctl --help | --version
 
 All requests of one run share one loaded library, so a sensor opened by one
 request stays open for the next ones (sensor ids live only as long as the
@@ -74,8 +77,9 @@ Demo:
   its response. It exits 0 whatever the statuses are.
 
 Options:
-  --library PATH    the library to load (default: ../lib/libsensorcontrol)" SENSORCONTROL_LIBRARY_SUFFIX R"(
-                    relative to the folder of the sensorctl program)
+  --library PATH    the library to load (default: libsensorcontrol in
+                    )" SENSORCTL_INSTALLED_LIBRARY_DIR R"( from the folder of the sensorctl
+                    program, as installed, or else in ../lib, as built)
   -f FILE           read requests from FILE ('-' for standard input)
   --pretty          pretty-print responses (and journals)
   --echo            print each request before its response (always on in demo)
@@ -87,6 +91,7 @@ Options:
   -n, --dry-run     check the requests and print what each would pass to
                     which export, without loading the library
   -h, --help        this text
+  -V, --version     print the version and exit
 
 Exit codes:
   0  every request was sent and answered (whatever its status, unless --fail)
@@ -119,6 +124,10 @@ void PrintUsage(std::ostream& out) {
         out << "\n";
     }
     out << kRoutingNotes;
+}
+
+void PrintVersion(std::ostream& out) {
+    out << "sensorctl " SENSORCONTROL_VERSION "\n";
 }
 
 void PrintShortUsage(std::ostream& out) {
