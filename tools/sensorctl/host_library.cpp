@@ -13,9 +13,6 @@
 #ifndef SENSORCONTROL_LIBRARY_FILE
 #define SENSORCONTROL_LIBRARY_FILE "libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX
 #endif
-#ifndef SENSORCTL_INSTALLED_LIBRARY_DIR
-#define SENSORCTL_INSTALLED_LIBRARY_DIR "../lib"
-#endif
 
 namespace sensorctl {
 
@@ -42,11 +39,13 @@ std::string DefaultLibraryPath(char const* argv0) {
     } else if (argv0 != nullptr) {
         executable = argv0;
     }
-    // Installed, the library folder may be lib/<multiarch> under the prefix;
-    // a build tree keeps everything in ../lib.
     std::string const folder = Folder(executable);
+#ifdef SENSORCTL_INSTALLED_LIBRARY_DIR
+    // Installed with a library folder other than lib (lib/x86_64-linux-gnu
+    // under /usr on Debian); a build tree keeps everything in ../lib.
     std::string const installed = folder + "/" SENSORCTL_INSTALLED_LIBRARY_DIR "/" SENSORCONTROL_LIBRARY_FILE;
     if (access(installed.c_str(), F_OK) == 0) return installed;
+#endif
     return folder + "/../lib/" SENSORCONTROL_LIBRARY_FILE;
 }
 

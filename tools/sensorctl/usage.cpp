@@ -6,8 +6,13 @@
 
 #include "routes.h"
 
-#ifndef SENSORCTL_INSTALLED_LIBRARY_DIR
-#define SENSORCTL_INSTALLED_LIBRARY_DIR "../lib"
+#ifdef SENSORCTL_INSTALLED_LIBRARY_DIR
+#define SENSORCTL_LIBRARY_DIRS SENSORCTL_INSTALLED_LIBRARY_DIR " if it is there, else in ../lib"
+#else
+#define SENSORCTL_LIBRARY_DIRS "../lib"
+#endif
+#ifndef SENSORCONTROL_LIBRARY_FILE
+#define SENSORCONTROL_LIBRARY_FILE "libsensorcontrol.so"
 #endif
 #ifndef SENSORCONTROL_VERSION
 #define SENSORCONTROL_VERSION "unknown"
@@ -77,9 +82,9 @@ Demo:
   its response. It exits 0 whatever the statuses are.
 
 Options:
-  --library PATH    the library to load (default: libsensorcontrol in
-                    )" SENSORCTL_INSTALLED_LIBRARY_DIR R"( from the folder of the sensorctl
-                    program, as installed, or else in ../lib, as built)
+  --library PATH    the library to load (default: )" SENSORCONTROL_LIBRARY_FILE R"( in
+                    )" SENSORCTL_LIBRARY_DIRS R"(,
+                    relative to the folder of the sensorctl program)
   -f FILE           read requests from FILE ('-' for standard input)
   --pretty          pretty-print responses (and journals)
   --echo            print each request before its response (always on in demo)
