@@ -47,7 +47,13 @@ int ParseCommandLine(int argc, char** argv, CommandLine* command) {
             ok = takeValue(&command->run.libraryPath);
         else if (arg == "-f" || arg == "--file")
             ok = takeValue(&command->scriptPath);
-        else if (arg == "--scenario")
+        else if (arg == "--backend") {
+            ok = takeValue(&command->run.backend);
+            if (ok && command->run.backend != "sim" && command->run.backend != "linux") {
+                std::cerr << "sensorctl: --backend takes sim or linux, not " << command->run.backend << "\n";
+                return kExitUsage;
+            }
+        } else if (arg == "--scenario")
             ok = takeValue(&command->run.scenarioPath);
         else if (arg == "--pretty")
             command->run.pretty = true;

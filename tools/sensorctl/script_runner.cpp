@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "device_set.h"
 #include "host_library.h"
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -112,6 +113,19 @@ private:
     std::string text_;
 };
 
+// Without --backend nothing is loaded ahead: the library's own run path and
+// the loader's search path decide, as for any host (the simulated set unless
+// LD_LIBRARY_PATH names another).
+bool ChooseDeviceSet(RunOptions const& options, std::string* error) {
+    if (options.backend.empty()) return true;
+    std::string const folder = FindDeviceSet(options.libraryPath, options.backend);
+    if (folder.empty()) {
+        *error = "no " + options.backend + " device set beside " + options.libraryPath;
+        return false;
+    }
+    return PreloadDeviceSet(folder, error);
+}
+
 } // namespace
 
 std::vector<ScriptLine> ReadScript(std::istream& in, std::string const& name) {
@@ -167,8 +181,12 @@ int RunScript(std::vector<Step> const& steps, RunOptions const& options, std::os
     Scenario scenario(options.scenarioPath);
     if (!scenario.prepare(err)) return kExitBackEnd;
 
-    HostLibrary library;
     std::string error;
+    if (!ChooseDeviceSet(options, &error)) {
+        err << "sensorctl: " << error << "\n";
+        return kExitBackEnd;
+    }
+    HostLibrary library;
     if (!library.load(options.libraryPath, &error)) {
         err << "sensorctl: " << error << "\n";
         return kExitBackEnd;

@@ -26,6 +26,9 @@ struct ScriptLine {
 
 struct RunOptions {
     std::string libraryPath;
+    // The device set, "sim" or "linux" (see device_set.h); empty: the one the
+    // library's run path and the loader's search path find.
+    std::string backend;
     std::string scenarioPath; // empty: the back-end's own world
     bool pretty = false;
     bool echo = false;    // print each request before its response

@@ -85,6 +85,12 @@ Options:
   --library PATH    the library to load (default: )" SENSORCONTROL_LIBRARY_FILE R"( in
                     )" SENSORCTL_LIBRARY_DIRS R"(,
                     relative to the folder of the sensorctl program)
+  --backend SET     the device set the library drives: sim (the simulated
+                    world) or linux (real instruments through colord and
+                    udev), looked for in sensorcontrol/SET beside the library,
+                    else in the build tree's lib or lib/linux; without it, the
+                    set the loader finds: the simulated one unless
+                    LD_LIBRARY_PATH names another set's folder
   -f FILE           read requests from FILE ('-' for standard input)
   --pretty          pretty-print responses (and journals)
   --echo            print each request before its response (always on in demo)

@@ -1,6 +1,7 @@
-// Stand-in for the host's plug-in support library. Each text comes from an
-// environment variable when set, else from a default, read once per process; the default exports
-// directory is the folder that holds this library (and the other stand-ins).
+// Stand-in for the host's plug-in support library, shared by every device set.
+// Each text comes from an environment variable when set, else from a default,
+// read once per process; the default exports directory is the folder that holds
+// this library, so a set's libhalvern points the product at that set's libraries.
 #include <dlfcn.h>
 
 #include <cstdlib>

@@ -1,0 +1,62 @@
+#include "readings.h"
+
+#include "bus.h"
+
+namespace pallast {
+
+namespace {
+
+int32_t failure(OpenSensor& sensor, GError const* error) {
+    if (sensorIsGone(error)) sensor.gone = true;
+    if (needsCalibration(error)) sensor.device->needsCalibration = true;
+    return codeForError(error, CallSite::OpenHandle);
+}
+
+int32_t callSimple(OpenSensor& sensor, char const* method) {
+    CallError error;
+    Reply reply = callColord(sensor.info.objectPath.c_str(), kSensorInterface, method, nullptr, nullptr,
+                             kQuickCallTimeout, error);
+    return reply ? code::kOK : failure(sensor, error.error);
+}
+
+// Runs read between Lock and Unlock; the lock is released whatever read answered.
+template <typename Read> int32_t underColordLock(OpenSensor& sensor, Read read) {
+    int32_t const locked = callSimple(sensor, "Lock");
+    if (locked != code::kOK) return locked;
+    int32_t const r = read();
+    int32_t const unlocked = sensor.gone ? code::kOK : callSimple(sensor, "Unlock");
+    return r != code::kOK ? r : unlocked;
+}
+
+} // namespace
+
+int32_t readSample(OpenSensor& sensor, char const* cap, double xyz[3]) {
+    return underColordLock(sensor, [&] {
+        CallError error;
+        Reply reply = callColord(sensor.info.objectPath.c_str(), kSensorInterface, "GetSample",
+                                 g_variant_new("(s)", cap), G_VARIANT_TYPE("(ddd)"), kReadingTimeout, error);
+        if (!reply) return failure(sensor, error.error);
+        g_variant_get(reply.value, "(ddd)", &xyz[0], &xyz[1], &xyz[2]);
+        return code::kOK;
+    });
+}
+
+int32_t readSpectrum(OpenSensor& sensor, char const* cap, double* startNm, double* endNm,
+                     std::vector<double>* values) {
+    return underColordLock(sensor, [&] {
+        CallError error;
+        Reply reply = callColord(sensor.info.objectPath.c_str(), kSensorInterface, "GetSpectrum",
+                                 g_variant_new("(s)", cap), G_VARIANT_TYPE("(ddad)"), kReadingTimeout, error);
+        if (!reply) return failure(sensor, error.error);
+        GVariantIter* data = nullptr;
+        g_variant_get(reply.value, "(ddad)", startNm, endNm, &data);
+        double value = 0;
+        values->clear();
+        while (g_variant_iter_loop(data, "d", &value))
+            values->push_back(value);
+        g_variant_iter_free(data);
+        return code::kOK;
+    });
+}
+
+} // namespace pallast

@@ -1,0 +1,47 @@
+// A system bus and a colord of their own, for the tests and the benchmark.
+//
+// Starts dbus-daemon on a socket in a fresh temporary folder (its own
+// configuration: a system bus that allows everything), points
+// DBUS_SYSTEM_BUS_ADDRESS of this process at it, and starts colord with its
+// dummy sensor on it. colord keeps its databases under /var/lib/colord; each
+// colord here runs in a mount namespace of its own with a private folder
+// bound over that path, so parallel runs neither share nor change the
+// machine's state (this needs root, as colord itself does).
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+namespace testing_colord {
+
+class PrivateColord {
+public:
+    PrivateColord();
+    ~PrivateColord();
+    PrivateColord(PrivateColord const&) = delete;
+    PrivateColord& operator=(PrivateColord const&) = delete;
+
+    // Empty when the bus and colord with its sensor are up, else why not.
+    std::string const& failure() const { return failure_; }
+    std::string const& folder() const { return folder_; }
+    std::string busAddress() const;
+
+    // Stops colord (the bus stays) and waits for it to end; starts it again.
+    void stopColord();
+    bool startColord();
+
+    // colord's log so far, for failure messages.
+    std::string colordLog() const;
+
+private:
+    bool startBus();
+    bool waitForSensor(int timeoutMs);
+
+    std::string folder_;
+    std::string failure_;
+    pid_t bus_ = -1;
+    pid_t colord_ = -1;
+};
+
+} // namespace testing_colord
