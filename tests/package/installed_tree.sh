@@ -26,6 +26,14 @@ sensorctl=$tree/bin/sensorctl
 [ "$(grep -c '^200 ' "$work/run.out")" = 3 ] && [ "$(grep -c '^journal ' "$work/run.out")" = 3 ] ||
   fail "requests from the moved tree answered: $(cat "$work/run.out")"
 
+# The Linux set, where it was built, loads from the moved tree too: no simulator answers there.
+if [ -d "$(dirname "$(find "$tree" -name 'libsensorcontrol.*' | head -n1)")/sensorcontrol/linux" ]; then
+  "$sensorctl" --backend linux --journal 'GET /Sensors?connected' >"$work/linux.out" 2>"$work/linux.err" ||
+    fail "the Linux set from the moved tree: $(cat "$work/linux.err")"
+  grep -q '^200 ' "$work/linux.out" && ! grep -q '^journal ' "$work/linux.out" ||
+    fail "the Linux set from the moved tree answered: $(cat "$work/linux.out")"
+fi
+
 if command -v readelf >/dev/null; then
   while read -r file; do
     runpath=$(readelf -d "$file" 2>/dev/null | sed -n 's/.*R\(UN\)\{0,1\}PATH.*\[\(.*\)\]/\2/p')
