@@ -59,8 +59,10 @@ int32_t codeForError(GError const* error, CallSite site) {
     }
     if (sensorIsGone(error))
         return site == CallSite::Opening ? code::kSensorConnection : code::kNotRegistered;
-    // No bus at all (no daemon on the socket): nothing to connect to.
-    if (error->domain == G_IO_ERROR)
+    // No bus at all (no daemon on the socket): nothing to connect to. colord's
+    // own errors arrive in G_IO_ERROR too (G_IO_ERROR_DBUS_ERROR), so only a
+    // local error counts here.
+    if (error->domain == G_IO_ERROR && !g_dbus_error_is_remote_error(error))
         return site == CallSite::Opening ? code::kSensorConnection : code::kNotRegistered;
     switch (sensorError(error)) {
     case CD_SENSOR_ERROR_NO_SUPPORT:

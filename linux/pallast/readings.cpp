@@ -19,9 +19,19 @@ int32_t callSimple(OpenSensor& sensor, char const* method) {
     return reply ? code::kOK : failure(sensor, error.error);
 }
 
+// colord asks the bus for the caller's user with a 200 ms time-out before it
+// grants a lock; on a busy machine that question times out and Lock answers
+// FailedToAuthenticate although nothing was refused. A few tries ride that out.
+int32_t lock(OpenSensor& sensor) {
+    int32_t r = code::kOK;
+    for (int attempt = 0; attempt < 3; ++attempt)
+        if ((r = callSimple(sensor, "Lock")) != code::kDisabled) break;
+    return r;
+}
+
 // Runs read between Lock and Unlock; the lock is released whatever read answered.
 template <typename Read> int32_t underColordLock(OpenSensor& sensor, Read read) {
-    int32_t const locked = callSimple(sensor, "Lock");
+    int32_t const locked = lock(sensor);
     if (locked != code::kOK) return locked;
     int32_t const r = read();
     int32_t const unlocked = sensor.gone ? code::kOK : callSimple(sensor, "Unlock");

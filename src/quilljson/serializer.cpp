@@ -35,6 +35,35 @@ struct EscapeTable {
 };
 constexpr EscapeTable kEscape;
 
+#if defined(__SSE2__)
+// One bit per byte of the chunk that needs an escape.
+inline unsigned escapeMask(__m128i chunk) {
+    __m128i const control = _mm_cmpeq_epi8(_mm_max_epu8(chunk, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
+    __m128i const special = _mm_or_si128(
+        _mm_or_si128(_mm_cmpeq_epi8(chunk, _mm_set1_epi8('"')), _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\\'))),
+        _mm_cmpeq_epi8(chunk, _mm_set1_epi8(0x7F)));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(control, special)));
+}
+#endif
+
+// A std::string shorter than 16 bytes can be read 16 bytes at a time from
+// data(): libstdc++ keeps such a text in a 16-byte buffer inside the string
+// object, or in a heap block of at least 17 bytes, and libc++'s short buffer
+// is 23 bytes. The bytes past the text may be unwritten, which only
+// MemorySanitizer would object to; their bits are masked off.
+#if defined(__SSE2__) && (defined(__GLIBCXX__) || defined(_LIBCPP_VERSION))
+#if defined(__has_feature)
+#if __has_feature(memory_sanitizer)
+#define QUILLJSON_SHORT_STRING_LOAD 0
+#endif
+#endif
+#ifndef QUILLJSON_SHORT_STRING_LOAD
+#define QUILLJSON_SHORT_STRING_LOAD 1
+#endif
+#else
+#define QUILLJSON_SHORT_STRING_LOAD 0
+#endif
+
 // The text is written through a raw cursor into a buffer kept per thread and
 // grown with realloc, then appended to the caller's string in one piece. A
 // string grown in place would be zero-filled and copied on every doubling,
@@ -97,24 +126,32 @@ public:
     }
 
     void string(std::string const& s) {
-        reserve(s.size() * 6 + 2);
+        size_t const size = s.size();
+        reserve(size * 6 + 18); // room for a 16-byte store past the quote
         char* w = cur_;
         *w++ = '"';
         unsigned char const* b = reinterpret_cast<unsigned char const*>(s.data());
-        unsigned char const* const e = b + s.size();
+        unsigned char const* const e = b + size;
+#if QUILLJSON_SHORT_STRING_LOAD
+        // Most keys and many texts are shorter than 16 bytes: one load, one
+        // test, one store, instead of a byte loop.
+        if (size < 16) {
+            __m128i const chunk = _mm_loadu_si128(reinterpret_cast<__m128i const*>(b));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(w), chunk);
+            if ((escapeMask(chunk) & ((1u << size) - 1)) == 0) {
+                w[size] = '"';
+                cur_ = w + size + 1;
+                return;
+            }
+        }
+#endif
         for (;;) {
 #if defined(__SSE2__)
             // Bytes that need no escape are copied 16 at a time, up to the
             // first one that does.
             while (e - b >= 16) {
                 __m128i const chunk = _mm_loadu_si128(reinterpret_cast<__m128i const*>(b));
-                __m128i const control =
-                    _mm_cmpeq_epi8(_mm_max_epu8(chunk, _mm_set1_epi8(0x1F)), _mm_set1_epi8(0x1F));
-                __m128i const special = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(chunk, _mm_set1_epi8('"')),
-                                                                  _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\\'))),
-                                                     _mm_cmpeq_epi8(chunk, _mm_set1_epi8(0x7F)));
-                unsigned const mask =
-                    static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(control, special)));
+                unsigned const mask = escapeMask(chunk);
                 _mm_storeu_si128(reinterpret_cast<__m128i*>(w), chunk);
                 if (mask != 0) {
                     unsigned const clean = static_cast<unsigned>(__builtin_ctz(mask));

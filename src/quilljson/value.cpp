@@ -314,19 +314,19 @@ double Value::asDouble() const {
     }
 }
 
-std::string const& Value::stringRef() const noexcept {
+std::string const& Value::emptyString() noexcept {
     static std::string const empty;
-    return type_ == String ? static_cast<StringBox*>(payload_.c)->data : empty;
+    return empty;
 }
 
-Value::ObjectType const& Value::objectRef() const noexcept {
+Value::ObjectType const& Value::emptyObject() noexcept {
     static ObjectType const empty;
-    return type_ == Object ? static_cast<ObjectBox*>(payload_.c)->data : empty;
+    return empty;
 }
 
-Value::ArrayType const& Value::arrayRef() const noexcept {
+Value::ArrayType const& Value::emptyArray() noexcept {
     static ArrayType const empty;
-    return type_ == Array ? static_cast<ArrayBox*>(payload_.c)->data : empty;
+    return empty;
 }
 
 bool Value::contains(std::string const& key) const {

@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "allocator.h"
+
 namespace quilljson {
 
 class Value {
@@ -28,11 +30,14 @@ public:
     };
     static constexpr uint32_t kContainerMask = 0x70;
 
-    using ObjectType = std::map<std::string, Value>;
-    using ArrayType = std::vector<Value>;
+    using ObjectType = std::map<std::string, Value, std::less<std::string>,
+                                detail::BlockAllocator<std::pair<std::string const, Value>>>;
+    using ArrayType = std::vector<Value, detail::BlockAllocator<Value>>;
 
     struct AbstractContainer {
         virtual ~AbstractContainer() = default;
+        static void* operator new(size_t size) { return detail::allocateBlock(size); }
+        static void operator delete(void* p) noexcept { detail::freeBlock(p); }
         uint32_t count = 1;
         AbstractContainer* nextDead = nullptr; // pending-deletion list, see release()
     };
@@ -134,9 +139,15 @@ public:
     double asDouble() const;
 
     // Container access; an empty static container for another kind.
-    std::string const& stringRef() const noexcept;
-    ObjectType const& objectRef() const noexcept;
-    ArrayType const& arrayRef() const noexcept;
+    std::string const& stringRef() const noexcept {
+        return type_ == String ? static_cast<Container<std::string>*>(payload_.c)->data : emptyString();
+    }
+    ObjectType const& objectRef() const noexcept {
+        return type_ == Object ? static_cast<Container<ObjectType>*>(payload_.c)->data : emptyObject();
+    }
+    ArrayType const& arrayRef() const noexcept {
+        return type_ == Array ? static_cast<Container<ArrayType>*>(payload_.c)->data : emptyArray();
+    }
 
     bool contains(std::string const& key) const; // an object holding key
     size_t size() const noexcept;                // members, elements, or 0
@@ -150,6 +161,10 @@ public:
 private:
     friend class Parser;
     friend class Serializer;
+
+    static std::string const& emptyString() noexcept;
+    static ObjectType const& emptyObject() noexcept;
+    static ArrayType const& emptyArray() noexcept;
 
     void release() noexcept; // drops this value's content, leaves it null
     // Deletes a container whose count reached 0 without recursing into nested

@@ -4,6 +4,7 @@
 #include <gio/gio.h>
 
 #include <cstdlib>
+#include <iostream>
 
 #include "device_set.h"
 #include "quilljson/parser.h"
@@ -133,6 +134,7 @@ void ColordTest::SetUp() {
 
 void ColordTest::TearDown() {
     product.reset();
+    if (HasFailure() && colord) std::cerr << "colord's log:\n" << colord->colordLog();
     colord.reset();
 }
 

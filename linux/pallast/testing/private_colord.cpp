@@ -31,17 +31,20 @@ bool writeFile(std::string const& path, std::string const& text) {
     return out.good();
 }
 
+// Each child leads a process group of its own (see execWithLog), so that the
+// helpers it starts (colord starts colord-sane) end with it instead of living on.
 void stop(pid_t& pid) {
     if (pid <= 0) return;
-    kill(pid, SIGTERM);
+    if (kill(-pid, SIGTERM) != 0) kill(pid, SIGTERM);
     for (int i = 0; i < 100; ++i) {
         if (waitpid(pid, nullptr, WNOHANG) == pid) {
+            kill(-pid, SIGKILL); // helpers that outlived their parent
             pid = -1;
             return;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    kill(pid, SIGKILL);
+    kill(-pid, SIGKILL);
     waitpid(pid, nullptr, 0);
     pid = -1;
 }
@@ -52,6 +55,7 @@ int removeEntry(char const* path, struct stat const*, int, struct FTW*) {
 
 // In the child: output to a log file, then exec.
 [[noreturn]] void execWithLog(std::string const& log, char const* program, char* const argv[]) {
+    setpgid(0, 0);
     int fd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
     if (fd >= 0) {
         dup2(fd, 1);
@@ -119,6 +123,7 @@ bool PrivateColord::startBus() {
                               const_cast<char*>("--nofork"), nullptr};
         execWithLog(folder_ + "/bus.log", kDbusDaemon, argv);
     }
+    if (bus_ > 0) setpgid(bus_, bus_); // also here: stop() may come before the child's own call
     if (bus_ < 0) {
         failure_ = std::string("cannot start dbus-daemon: ") + std::strerror(errno);
         return false;
@@ -151,15 +156,18 @@ bool PrivateColord::startColord() {
         }
         setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
         char* const argv[] = {const_cast<char*>("colord"), const_cast<char*>("--create-dummy-sensor"),
-                              nullptr};
+                              const_cast<char*>("--verbose"), nullptr};
         execWithLog(log, kColord, argv);
     }
+    if (colord_ > 0) setpgid(colord_, colord_);
     if (colord_ < 0) {
         failure_ = std::string("cannot start colord: ") + std::strerror(errno);
         return false;
     }
     if (!waitForSensor(20000)) {
-        failure_ = "colord did not publish its dummy sensor on the private bus; its log:\n" + colordLog();
+        failure_ = "colord did not publish its dummy sensor on the private bus (" +
+                   (exitStatus_.empty() ? std::string("still running") : "ended with " + exitStatus_) +
+                   "); its log:\n" + colordLog();
         stop(colord_);
         return false;
     }
@@ -172,23 +180,32 @@ void PrivateColord::stopColord() {
 }
 
 bool PrivateColord::waitForSensor(int timeoutMs) {
-    GDBusConnection* connection = g_dbus_connection_new_for_address_sync(
-        busAddress().c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-    if (connection == nullptr) return false;
+    // The bus may not accept connections yet when its socket appears, so the
+    // connection is retried along with the question until the deadline.
+    GDBusConnection* connection = nullptr;
     bool up = false;
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     while (!up && std::chrono::steady_clock::now() < deadline) {
-        if (waitpid(colord_, nullptr, WNOHANG) == colord_) {
+        int status = 0;
+        if (waitpid(colord_, &status, WNOHANG) == colord_) {
             colord_ = -1;
+            exitStatus_ = WIFEXITED(status) ? "exit code " + std::to_string(WEXITSTATUS(status))
+                                            : "signal " + std::to_string(WTERMSIG(status));
             break;
         }
-        GVariant* reply = g_dbus_connection_call_sync(
-            connection, "org.freedesktop.ColorManager", "/org/freedesktop/ColorManager",
-            "org.freedesktop.ColorManager", "GetSensors", nullptr, G_VARIANT_TYPE("(ao)"),
-            G_DBUS_CALL_FLAGS_NO_AUTO_START, 1000, nullptr, nullptr);
+        if (connection == nullptr)
+            connection = g_dbus_connection_new_for_address_sync(
+                busAddress().c_str(),
+                static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                  G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+                nullptr, nullptr, nullptr);
+        GVariant* reply =
+            connection == nullptr
+                ? nullptr
+                : g_dbus_connection_call_sync(connection, "org.freedesktop.ColorManager",
+                                              "/org/freedesktop/ColorManager", "org.freedesktop.ColorManager",
+                                              "GetSensors", nullptr, G_VARIANT_TYPE("(ao)"),
+                                              G_DBUS_CALL_FLAGS_NO_AUTO_START, 1000, nullptr, nullptr);
         if (reply != nullptr) {
             GVariant* paths = g_variant_get_child_value(reply, 0);
             up = g_variant_n_children(paths) > 0;
@@ -197,8 +214,10 @@ bool PrivateColord::waitForSensor(int timeoutMs) {
         }
         if (!up) std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    g_dbus_connection_close_sync(connection, nullptr, nullptr);
-    g_object_unref(connection);
+    if (connection != nullptr) {
+        g_dbus_connection_close_sync(connection, nullptr, nullptr);
+        g_object_unref(connection);
+    }
     return up;
 }
 

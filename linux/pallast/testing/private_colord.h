@@ -42,6 +42,7 @@ private:
     std::string failure_;
     pid_t bus_ = -1;
     pid_t colord_ = -1;
+    std::string exitStatus_; // how colord ended, when it ended by itself
 };
 
 } // namespace testing_colord
