@@ -19,5 +19,16 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# mimalloc is opened at run time when it is there, and not needed otherwise:
+# recommended, by the Debian package that holds the soname of the major
+# version quilljson asks for.
+if(QUILLJSON_MIMALLOC)
+  execute_process(COMMAND dpkg-query -S "libmimalloc.so.2" OUTPUT_VARIABLE mimalloc_owner
+                  ERROR_QUIET)
+  string(REGEX MATCH "^[^:,]+" mimalloc_package "${mimalloc_owner}")
+  if(mimalloc_package)
+    set(CPACK_DEBIAN_PACKAGE_RECOMMENDS ${mimalloc_package})
+  endif()
+endif()
 set(CPACK_STRIP_FILES ON)
 include(CPack)
