@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include "quilljson/parser.h"
@@ -40,12 +41,37 @@ World loadInitialWorld() {
     return world;
 }
 
+// SENSORSIM_INJECT="MDCalibrate=0x80010002,MDMeasureXYZ2=0x80000007": the
+// injections a process starts with, for hosts that cannot call
+// SimInjectResult themselves (a browser talking to a gateway, say).
+std::map<std::string, int32_t> initialInjections() {
+    std::map<std::string, int32_t> injections;
+    char const* text = std::getenv("SENSORSIM_INJECT");
+    if (text == nullptr) return injections;
+    std::stringstream items(text);
+    std::string item;
+    while (std::getline(items, item, ',')) {
+        size_t const equals = item.find('=');
+        char* end = nullptr;
+        unsigned long const code =
+            equals == std::string::npos ? 0 : std::strtoul(item.c_str() + equals + 1, &end, 0);
+        if (equals == 0 || equals == std::string::npos || end == item.c_str() + equals + 1 || *end != '\0') {
+            std::fprintf(stderr, "sensorsim: SENSORSIM_INJECT item \"%s\" is not FUNCTION=CODE; ignored\n",
+                         item.c_str());
+            continue;
+        }
+        injections[item.substr(0, equals)] = static_cast<int32_t>(static_cast<uint32_t>(code));
+    }
+    return injections;
+}
+
 } // namespace
 
 State& state() {
     static State* const instance = [] {
         auto* s = new State(); // never destroyed: stand-ins may call in during process exit
         s->world = loadInitialWorld();
+        s->injections = initialInjections();
         return s;
     }();
     return *instance;

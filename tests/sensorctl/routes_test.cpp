@@ -18,7 +18,7 @@ TEST(Routes, EveryEndpointExportOfTheHeaderHasExactlyOneRow) {
     std::string const header((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     std::map<std::string, int> rows;
     for (Route const& route : Routes())
-        ++rows[route.exportName];
+        if (route.kind != RouteKind::Gateway) ++rows[route.exportName];
     EXPECT_EQ(34u, rows.size());
     for (auto const& [name, count] : rows) {
         EXPECT_NE(std::string::npos, header.find("SENSORCONTROL_ENDPOINT(" + name + ");"))

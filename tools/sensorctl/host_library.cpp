@@ -18,8 +18,6 @@ namespace sensorctl {
 
 namespace {
 
-using Endpoint = uint32_t (*)(char const*, char const*, char const*, char const*);
-
 std::string Folder(std::string const& path) {
     size_t slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
@@ -86,8 +84,15 @@ void HostLibrary::setup() {
     setUp_ = true;
 }
 
+HostLibrary::Endpoint HostLibrary::endpoint(std::string const& exportName) const {
+    return reinterpret_cast<Endpoint>(symbol(exportName.c_str()));
+}
+
 Response HostLibrary::call(std::string const& exportName, CallTexts const& texts) {
-    auto endpoint = reinterpret_cast<Endpoint>(symbol(exportName.c_str()));
+    return call(endpoint(exportName), texts);
+}
+
+Response HostLibrary::call(Endpoint endpoint, CallTexts const& texts) {
     uint32_t id =
         endpoint(texts.request.c_str(), texts.parameters.c_str(), texts.query.c_str(), texts.data.c_str());
     Response response;

@@ -29,8 +29,13 @@ public:
     bool hasExport(std::string const& name) const;
     void setup();
 
+    using Endpoint = uint32_t (*)(char const*, char const*, char const*, char const*);
+    Endpoint endpoint(std::string const& exportName) const; // null when not exported
+
     // Calls the export and fetches its response; the export must exist.
+    // Safe from several threads at once: the library is.
     Response call(std::string const& exportName, CallTexts const& texts);
+    Response call(Endpoint endpoint, CallTexts const& texts);
 
     // Simulator control, looked up in the process; false when absent.
     bool loadScenario(std::string const& json, int32_t* result);

@@ -7,6 +7,7 @@
 #include "demo_script.h"
 #include "host_library.h"
 #include "script_runner.h"
+#include "serve_command.h"
 #include "usage.h"
 
 using namespace sensorctl;
@@ -86,6 +87,7 @@ int ParseCommandLine(int argc, char** argv, CommandLine* command) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && std::string(argv[1]) == "serve") return RunServe(argc, argv, 2);
     CommandLine command;
     if (int failed = ParseCommandLine(argc, argv, &command)) return failed;
     if (command.help) {

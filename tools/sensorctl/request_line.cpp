@@ -72,6 +72,8 @@ bool ParseBinding(std::string_view text, Binding* binding, std::string* error) {
     return ParseSelector(text, &binding->steps, error);
 }
 
+} // namespace
+
 bool ParseQuery(std::string_view text, std::vector<QueryItem>* query, std::string* error) {
     while (!text.empty()) {
         size_t amp = text.find('&');
@@ -90,8 +92,6 @@ bool ParseQuery(std::string_view text, std::vector<QueryItem>* query, std::strin
     }
     return true;
 }
-
-} // namespace
 
 char const* MethodName(Method method) {
     switch (method) {

@@ -47,6 +47,9 @@ struct RequestLine {
 // sets *error to a sentence that names what is wrong.
 bool ParseRequestLine(std::string_view line, RequestLine* request, std::string* error);
 
+// Parses the text after '?': items joined by '&', "key" or "key=value".
+bool ParseQuery(std::string_view text, std::vector<QueryItem>* query, std::string* error);
+
 // Parses a selector such as ".referenceSensor.serial" or "[0].id".
 bool ParseSelector(std::string_view text, std::vector<SelectorStep>* steps, std::string* error);
 

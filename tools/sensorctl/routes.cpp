@@ -14,44 +14,80 @@ constexpr unsigned kGetPutDelete = kGet | kPut | kDelete;
 // parameter rows that would also take them, and /Sensors/<x> is decided by
 // the method (POST opens a device, the others address an open sensor).
 std::vector<Route> const kRoutes = {
-    {"/Sensors", kAnyMethod, kGetPutDelete, "Sensors", "connected, serialConnected"},
-    {"/Sensors/Name", kAnyMethod, kGet, "SensorsName", "deviceIDs=<id>,<id>..."},
-    {"/Sensors/Individual/{individualID}", kAnyMethod, kPost, "IndividualID", ""},
-    {"/Sensors/{deviceID}", kPost, kPost, "DeviceID", ""},
-    {"/Sensors/{id}", kGet | kPut | kDelete, kGet | kDelete, "Sensor", "connection"},
-    {"/Sensors/{id}/Mode", kAnyMethod, kGetPut, "SensorMode", "supports"},
-    {"/Sensors/{id}/Calibration", kAnyMethod, kGetPut, "SensorCalibration", "needs"},
-    {"/Sensors/{id}/XYZ", kAnyMethod, kGet, "SensorXYZ", ""},
-    {"/Sensors/{id}/RawData", kAnyMethod, kGet, "SensorRawData", ""},
-    {"/Sensors/{id}/RGB", kAnyMethod, kGet, "SensorRGB", ""},
-    {"/Sensors/{id}/IR", kAnyMethod, kGet, "SensorIR", ""},
-    {"/Sensors/{id}/XYZWithoutCorrelation", kAnyMethod, kGet, "SensorXYZWithoutCorrelation", ""},
-    {"/Sensors/{id}/Arm", kAnyMethod, kGetPut, "SensorArm", "supports"},
-    {"/Sensors/{id}/Position", kAnyMethod, kGet, "SensorPosition", "supports"},
-    {"/Sensors/{id}/ExteriorLight", kAnyMethod, kGetPut, "SensorExteriorLight", "supports"},
-    {"/Sensors/{id}/ParameterDescription", kAnyMethod, kGetPut, "SensorParameterDescription", ""},
-    {"/Sensors/{id}/TargetMarker", kAnyMethod, kGetPut, "SensorTargetMarker", "supports"},
-    {"/Sensors/{id}/IFSTempCorrectParam", kAnyMethod, kPost, "SensorIFSTempCorrectParam", ""},
+    {"/Sensors", kAnyMethod, kGetPutDelete, "Sensors", "connected, serialConnected",
+     "List the device ids of connected sensors (GET), set the serial-port mappings or the device "
+     "library folder (PUT), close every sensor (DELETE).",
+     "PUT: {\"serialMappings\": [...], \"libraryPath\": text}"},
+    {"/Sensors/Name", kAnyMethod, kGet, "SensorsName", "deviceIDs=<id>,<id>...",
+     "The product names of device ids."},
+    {"/Sensors/Individual/{individualID}", kAnyMethod, kPost, "IndividualID", "",
+     "Open the sensor with this individual id; answers its sensor id."},
+    {"/Sensors/{deviceID}", kPost, kPost, "DeviceID", "",
+     "Open the sensor with this device id; answers its sensor id."},
+    {"/Sensors/{id}", kGet | kPut | kDelete, kGet | kDelete, "Sensor", "connection",
+     "The description of an open sensor (GET), or close it (DELETE)."},
+    {"/Sensors/{id}/Mode", kAnyMethod, kGetPut, "SensorMode", "supports",
+     "The measurement mode and observer.", "PUT: {\"mode\": number, \"observerKey\": number}"},
+    {"/Sensors/{id}/Calibration", kAnyMethod, kGetPut, "SensorCalibration", "needs",
+     "Whether the sensor needs a calibration (GET), or calibrate it (PUT)."},
+    {"/Sensors/{id}/XYZ", kAnyMethod, kGet, "SensorXYZ", "", "Measure XYZ.", "", RouteKind::Reading},
+    {"/Sensors/{id}/RawData", kAnyMethod, kGet, "SensorRawData", "", "Measure and answer the raw data.", "",
+     RouteKind::Reading},
+    {"/Sensors/{id}/RGB", kAnyMethod, kGet, "SensorRGB", "", "Measure RGB.", "", RouteKind::Reading},
+    {"/Sensors/{id}/IR", kAnyMethod, kGet, "SensorIR", "", "Measure infrared.", "", RouteKind::Reading},
+    {"/Sensors/{id}/XYZWithoutCorrelation", kAnyMethod, kGet, "SensorXYZWithoutCorrelation", "",
+     "Measure XYZ without the correlation correction.", "", RouteKind::Reading},
+    {"/Sensors/{id}/Arm", kAnyMethod, kGetPut, "SensorArm", "supports",
+     "The sensor arm: state, open or close.", "PUT: true to open, false to close"},
+    {"/Sensors/{id}/Position", kAnyMethod, kGet, "SensorPosition", "supports", "The sensor position."},
+    {"/Sensors/{id}/ExteriorLight", kAnyMethod, kGetPut, "SensorExteriorLight", "supports",
+     "The exterior light.", "PUT: {\"state\": ...}"},
+    {"/Sensors/{id}/ParameterDescription", kAnyMethod, kGetPut, "SensorParameterDescription", "",
+     "The parameter description stored in the sensor.", "PUT: {\"date\": ..., \"referenceSensor\": {...}}"},
+    {"/Sensors/{id}/TargetMarker", kAnyMethod, kGetPut, "SensorTargetMarker", "supports",
+     "The target marker.", "PUT: a number"},
+    {"/Sensors/{id}/IFSTempCorrectParam", kAnyMethod, kPost, "SensorIFSTempCorrectParam", "",
+     "Calculate the temperature correction parameter."},
     {"/Sensors/{id}/IFSBrightCorrectParamUpdate", kAnyMethod, kGetPut, "SensorIFSBrightCorrectParamUpdate",
-     "supports"},
-    {"/Sensors/{id}/DeviceOption", kAnyMethod, kGetPut, "SensorDeviceOption", ""},
-    {"/Sensors/{id}/Correction", kAnyMethod, kPut | kDelete, "SensorCorrection", ""},
-    {"/Sensors/{id}/ExCorrection", kAnyMethod, kGetPut, "SensorExCorrection", "count, name"},
-    {"/Sensors/{id}/AmbrelSense", kAnyMethod, kGetPut, "SensorAmbrelSense", ""},
-    {"/Sensors/{id}/AmbrelSense/Level", kAnyMethod, kGetPut, "SensorAmbrelSenseLevel", ""},
-    {"/Sensors/{id}/Correlation", kAnyMethod, kGetPutDelete, "SensorCorrelation", "available, swingSensor"},
-    {"/Sensors/{id}/Correlation/9Points", kAnyMethod, kDelete, "SensorCorrelation9Points", ""},
-    {"/Sensors/{id}/Correlation/Description", kAnyMethod, kGetPutDelete, "SensorCorrelationDescription", ""},
-    {"/Sensors/{id}/Correlation/Data", kAnyMethod, kGetPut, "SensorCorrelationData", "checksFactoryData"},
-    {"/Sensors/{id}/Correlation/Database", kAnyMethod, kGet | kPost, "SensorCorrelationDatabase",
-     "available"},
-    {"/Sensors/{id}/CorrelationMatrix", kAnyMethod, kGetPutDelete, "SensorCorrelationMatrix", "available"},
+     "supports", "Whether the brightness correction parameter is updated.", "PUT: true or false"},
+    {"/Sensors/{id}/DeviceOption", kAnyMethod, kGetPut, "SensorDeviceOption", "",
+     "The device options (calibration set and mode).",
+     "PUT: {\"calibrationSet\": number, \"calibrationMode\": number}"},
+    {"/Sensors/{id}/Correction", kAnyMethod, kPut | kDelete, "SensorCorrection", "",
+     "Set (PUT) or remove (DELETE) the correction.", "PUT: {\"type\": text, ...}"},
+    {"/Sensors/{id}/ExCorrection", kAnyMethod, kGetPut, "SensorExCorrection", "count, name",
+     "The extra corrections and the one in use.", "PUT: the index, a number"},
+    {"/Sensors/{id}/AmbrelSense", kAnyMethod, kGetPut, "SensorAmbrelSense", "",
+     "The monitor's presence sensing: on or off.", "PUT: true or false"},
+    {"/Sensors/{id}/AmbrelSense/Level", kAnyMethod, kGetPut, "SensorAmbrelSenseLevel", "",
+     "The presence sensing level.", "PUT: a number"},
+    {"/Sensors/{id}/Correlation", kAnyMethod, kGetPutDelete, "SensorCorrelation", "available, swingSensor",
+     "The correlation of a built-in sensor: read, apply or recalculate, remove.",
+     "PUT: {\"id\": number, \"type\": \"recalc\", \"targetWhite\": ...}"},
+    {"/Sensors/{id}/Correlation/9Points", kAnyMethod, kDelete, "SensorCorrelation9Points", "",
+     "Remove the nine-point correlation."},
+    {"/Sensors/{id}/Correlation/Description", kAnyMethod, kGetPutDelete, "SensorCorrelationDescription", "",
+     "The correlation description held in the monitor.", "PUT: the description object"},
+    {"/Sensors/{id}/Correlation/Data", kAnyMethod, kGetPut, "SensorCorrelationData", "checksFactoryData",
+     "The correlation data held in the monitor.", "PUT: the correlation data object"},
+    {"/Sensors/{id}/Correlation/Database", kAnyMethod, kGet | kPost, "SensorCorrelationDatabase", "available",
+     "The correlation database entries (GET), or add one (POST).",
+     "POST: {\"referenceSensor\": {\"deviceID\", \"serial\"}, \"date\": ...}"},
+    {"/Sensors/{id}/CorrelationMatrix", kAnyMethod, kGetPutDelete, "SensorCorrelationMatrix", "available",
+     "The correlation matrix: read, apply by id, remove.", "PUT: the matrix id, a number"},
     {"/Sensors/{id}/CorrelationMatrix/Data", kAnyMethod, kGetPut, "SensorCorrelationMatrixData",
-     "checksFactoryData"},
+     "checksFactoryData", "The correlation matrix data held in the monitor.", "PUT: {\"matrix\": ...}"},
     {"/Sensors/{id}/CorrelationMatrix/Database", kAnyMethod, kGet | kPost, "SensorCorrelationMatrixDatabase",
-     "available"},
-    {"/Monitors/{product}/{serial}/Sensor", kAnyMethod, kPost, "Monitors", ""},
-    {"/Pallast/ControlPanel", kAnyMethod, kPut, "PallastControlPanel", ""},
+     "available", "The correlation matrix database entries (GET), or add one (POST).",
+     "POST: {\"correlationID\": number, \"referenceSensor\": {...}, ...}"},
+    {"/Sensors/{id}/Lease", kAnyMethod, kPut | kDelete, "", "",
+     "Take or renew (PUT, renewing with the Sensor-Lease header) or release (DELETE) a lease on an open "
+     "sensor; while it is leased, requests for the sensor without the lease token answer 409.",
+     "PUT: {\"owner\": text, \"seconds\": number}", RouteKind::Gateway},
+    {"/Monitors/{product}/{serial}/Sensor", kAnyMethod, kPost, "Monitors", "",
+     "Open the built-in sensor of a monitor; answers its sensor id."},
+    {"/Pallast/ControlPanel", kAnyMethod, kPut, "PallastControlPanel", "",
+     "Show the measurement library's control panel."},
 };
 
 std::vector<std::string_view> Segments(std::string_view path) {
@@ -99,23 +135,39 @@ std::vector<Route> const& Routes() {
     return kRoutes;
 }
 
-RouteMatch MatchRoute(Method method, std::string_view path) {
+RouteMatch MatchRoute(Method method, std::string_view path, bool withGatewayRows) {
+    // Split once: the gateway matches every request it serves.
+    static std::vector<std::vector<std::string_view>> const kPatterns = [] {
+        std::vector<std::vector<std::string_view>> patterns;
+        for (Route const& route : kRoutes)
+            patterns.push_back(Segments(route.pattern));
+        return patterns;
+    }();
     std::vector<std::string_view> const segments = Segments(path);
     for (Route const& route : kRoutes) {
         if (!(route.methods & MaskOf(method))) continue;
-        std::vector<std::string_view> const pattern = Segments(route.pattern);
+        if (route.kind == RouteKind::Gateway && !withGatewayRows) continue;
+        std::vector<std::string_view> const& pattern = kPatterns[&route - kRoutes.data()];
         if (pattern.size() != segments.size()) continue;
+        bool literalsMatch = true;
+        for (size_t i = 0; i < pattern.size() && literalsMatch; ++i)
+            literalsMatch = IsParameter(pattern[i]) || pattern[i] == segments[i];
+        if (!literalsMatch) continue;
         RouteMatch match;
         match.route = &route;
-        for (size_t i = 0; i < pattern.size() && match.route; ++i) {
+        for (size_t i = 0; i < pattern.size(); ++i)
             if (IsParameter(pattern[i]))
                 match.parameters.emplace_back(pattern[i].substr(1, pattern[i].size() - 2), segments[i]);
-            else if (pattern[i] != segments[i])
-                match.route = nullptr;
-        }
-        if (match.route) return match;
+        return match;
     }
     return RouteMatch();
+}
+
+std::vector<std::string> PatternParameters(std::string_view pattern) {
+    std::vector<std::string> names;
+    for (std::string_view segment : Segments(pattern))
+        if (IsParameter(segment)) names.emplace_back(segment.substr(1, segment.size() - 2));
+    return names;
 }
 
 CallTexts MakeCallTexts(Method method, std::vector<std::pair<std::string, std::string>> const& parameters,

@@ -1,18 +1,14 @@
 #include "script_runner.h"
 
-#include <limits.h>
-#include <stdlib.h>
-
-#include <fstream>
 #include <istream>
 #include <ostream>
 #include <set>
-#include <sstream>
 
 #include "device_set.h"
 #include "host_library.h"
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
+#include "scenario.h"
 #include "variables.h"
 
 namespace sensorctl {
@@ -67,51 +63,6 @@ std::string RequestText(Method method, std::string const& path, std::vector<Quer
     if (!body.empty()) text += " " + body;
     return text;
 }
-
-bool ReadFile(std::string const& path, std::string* text) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    std::ostringstream s;
-    s << in.rdbuf();
-    *text = s.str();
-    return true;
-}
-
-// Loads the scenario file into the simulator: through SENSORSIM_SCENARIO for
-// a simulator that reads it when it starts, and directly once it is loaded.
-class Scenario {
-public:
-    explicit Scenario(std::string path) : path_(std::move(path)) {}
-
-    bool prepare(std::ostream& err) {
-        if (path_.empty()) return true;
-        if (!ReadFile(path_, &text_)) {
-            err << "sensorctl: cannot read scenario " << path_ << "\n";
-            return false;
-        }
-        char absolute[PATH_MAX];
-        setenv("SENSORSIM_SCENARIO", realpath(path_.c_str(), absolute) ? absolute : path_.c_str(), 1);
-        return true;
-    }
-
-    bool apply(HostLibrary& library, std::ostream& err) {
-        if (path_.empty()) return true;
-        int32_t result = 0;
-        if (!library.loadScenario(text_, &result)) {
-            err << "sensorctl: warning: the back-end has no simulator; --scenario has no effect\n";
-            return true;
-        }
-        if (result < 0) {
-            err << "sensorctl: the simulator rejected scenario " << path_ << " (" << result << ")\n";
-            return false;
-        }
-        return true;
-    }
-
-private:
-    std::string path_;
-    std::string text_;
-};
 
 // Without --backend nothing is loaded ahead: the library's own run path and
 // the loader's search path decide, as for any host (the simulated set unless

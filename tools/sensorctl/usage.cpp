@@ -28,6 +28,7 @@ Usage:
   sensorctl [options] 'REQUEST' ['REQUEST'...]   each argument is one request
   sensorctl [options] -f FILE                    one request per line; -f - reads standard input
   sensorctl [options] demo                       a guided tour of the simulated world
+  sensorctl serve [serve options]                every resource over HTTP, and the console
   sensorctl --help | --version
 
 All requests of one run share one loaded library, so a sensor opened by one
@@ -81,6 +82,37 @@ Demo:
   corrections, presence sensing and correlation, printing each request and
   its response. It exits 0 whatever the statuses are.
 
+Serve:
+  "sensorctl serve" loads the library and serves every resource below over
+  HTTP/1.1 until interrupted: the path and method as in requests, the query
+  string as QUERY (percent-decoded), the body as BODY; the answer is the
+  library's status and response text, as application/json. It prints the
+  console's address once, http://HOST:PORT/#token=TOKEN; the console is at /
+  (its files at /console/NAME), the OpenAPI description at /openapi.json,
+  server-sent events at /events ("request" for every request, "reading" for
+  every measurement).
+  Every request but the console's files needs "Authorization: Bearer TOKEN"
+  (401 otherwise), and a Host header naming the server (421 otherwise).
+  PUT /Sensors/{id}/Lease {"owner": NAME, "seconds": N} leases an open sensor
+  and answers its token; the same call with "Sensor-Lease: TOKEN" renews it,
+  DELETE with it releases it. While it is leased, requests for the sensor
+  without the token answer 409, except GET /Sensors/{id}. Requests for one
+  sensor are served in arrival order; others run in parallel.
+
+  --listen ADDR:PORT      where to listen (default 127.0.0.1:8080; port 0 picks
+                          a free port, printed in the address)
+  --token-file FILE       the token is read from FILE; a missing FILE is
+                          created (owner-only) with a fresh token. Without it a
+                          fresh token is made at every start.
+  --max-body BYTES        bodies over this answer 413 (default 1048576)
+  --rate-limit N          requests per second per client address; more answer
+                          429 (default 200; 0 turns the limit off)
+  --max-connections N     connections served at once; more answer 503
+                          (default 128)
+  --cors-origin ORIGIN    allow cross-origin requests from ORIGIN (repeatable;
+                          "*" for any). Without it no CORS headers are sent.
+  --library PATH, --backend SET, --scenario FILE   as below
+
 Options:
   --library PATH    the library to load (default: )" SENSORCONTROL_LIBRARY_FILE R"( in
                     )" SENSORCTL_LIBRARY_DIRS R"(,
@@ -126,6 +158,7 @@ void PrintUsage(std::ostream& out) {
     for (Route const& route : Routes())
         width = std::max(width, std::strlen(route.pattern));
     for (Route const& route : Routes()) {
+        if (route.kind == RouteKind::Gateway) continue; // listed with serve
         std::string pattern = route.pattern;
         pattern.resize(width + 2, ' ');
         std::string name = route.exportName;

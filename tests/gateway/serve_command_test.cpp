@@ -1,0 +1,69 @@
+// `sensorctl serve` as a user runs it: the address printed once, the token
+// file honoured, requests served, a clean stop on SIGTERM.
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <regex>
+
+#include "gateway_server.h"
+#include "token.h"
+
+namespace gatewaytest {
+namespace {
+
+TEST(GatewayServeCommand, PrintsTheConsoleAddressAndServesUntilStopped) {
+    std::string const tokenFile = testing::TempDir() + "serve-token-" + std::to_string(getpid());
+    std::remove(tokenFile.c_str());
+    int out[2];
+    ASSERT_EQ(0, pipe(out));
+    pid_t const child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        dup2(out[1], 1);
+        close(out[0]);
+        close(out[1]);
+        execl(TEST_BINARY_DIR "/sensorctl", "sensorctl", "serve", "--listen", "127.0.0.1:0", "--token-file",
+              tokenFile.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(out[1]);
+    FILE* printed = fdopen(out[0], "r");
+    char line[512] = {};
+    ASSERT_NE(nullptr, fgets(line, sizeof line, printed)) << "sensorctl serve printed nothing";
+
+    // The token file was made owner-only, and the printed token is its token.
+    struct stat info {};
+    ASSERT_EQ(0, stat(tokenFile.c_str(), &info));
+    EXPECT_EQ(0600u, info.st_mode & 0777u);
+    std::string token, error;
+    ASSERT_TRUE(sensorctl::gateway::ReadOrCreateTokenFile(tokenFile, &token, &error)) << error;
+    std::smatch match;
+    std::string const address = line;
+    ASSERT_TRUE(std::regex_match(address, match, std::regex(R"(http://127\.0\.0\.1:(\d+)/#token=(\w+)\n)")))
+        << address;
+    EXPECT_EQ(token, match[2].str());
+
+    httplib::Client client("127.0.0.1", std::stoi(match[1].str()));
+    client.set_bearer_token_auth(token);
+    httplib::Result result = client.Get("/Sensors?connected");
+    ASSERT_TRUE(result);
+    EXPECT_EQ(200, result->status);
+    EXPECT_NE(std::string::npos, result->body.find("\"deviceID\":8")) << result->body;
+
+    kill(child, SIGTERM);
+    int status = 0;
+    ASSERT_EQ(child, waitpid(child, &status, 0));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_EQ(nullptr, fgets(line, sizeof line, printed)) << "printed more: " << line;
+    fclose(printed);
+    std::remove(tokenFile.c_str());
+}
+
+} // namespace
+} // namespace gatewaytest
