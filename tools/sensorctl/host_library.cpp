@@ -10,6 +10,9 @@
 #ifndef SENSORCONTROL_LIBRARY_SUFFIX
 #define SENSORCONTROL_LIBRARY_SUFFIX ".so"
 #endif
+#ifndef SENSORCONTROL_LIBRARY_FILE
+#define SENSORCONTROL_LIBRARY_FILE "libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX
+#endif
 
 namespace sensorctl {
 
@@ -34,7 +37,14 @@ std::string DefaultLibraryPath(char const* argv0) {
     } else if (argv0 != nullptr) {
         executable = argv0;
     }
-    return Folder(executable) + "/../lib/libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX;
+    std::string const folder = Folder(executable);
+#ifdef SENSORCTL_INSTALLED_LIBRARY_DIR
+    // Installed with a library folder other than lib (lib/x86_64-linux-gnu
+    // under /usr on Debian); a build tree keeps everything in ../lib.
+    std::string const installed = folder + "/" SENSORCTL_INSTALLED_LIBRARY_DIR "/" SENSORCONTROL_LIBRARY_FILE;
+    if (access(installed.c_str(), F_OK) == 0) return installed;
+#endif
+    return folder + "/../lib/" SENSORCONTROL_LIBRARY_FILE;
 }
 
 HostLibrary::~HostLibrary() {

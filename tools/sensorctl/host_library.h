@@ -54,8 +54,9 @@ private:
     bool setUp_ = false;
 };
 
-// <folder of this executable>/../lib/libsensorcontrol<suffix>; argv0 is the
-// fallback where /proc/self/exe is not available.
+// libsensorcontrol (by its soname) in the installed library folder relative
+// to this executable's folder when it is there, else in ../lib beside it (the
+// build tree); argv0 is the fallback where /proc/self/exe is not available.
 std::string DefaultLibraryPath(char const* argv0);
 
 } // namespace sensorctl

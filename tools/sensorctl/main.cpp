@@ -20,6 +20,7 @@ struct CommandLine {
     std::vector<std::string> requests;
     bool dryRun = false;
     bool help = false;
+    bool version = false;
 };
 
 // Returns kExitOk, or kExitUsage after a message.
@@ -67,6 +68,8 @@ int ParseCommandLine(int argc, char** argv, CommandLine* command) {
             command->dryRun = true;
         else if (arg == "-h" || arg == "--help")
             command->help = true;
+        else if (arg == "-V" || arg == "--version")
+            command->version = true;
         else if (!arg.empty() && arg[0] == '-') {
             std::cerr << "sensorctl: unknown option " << arg << "\n";
             PrintShortUsage(std::cerr);
@@ -89,6 +92,10 @@ int main(int argc, char** argv) {
     if (int failed = ParseCommandLine(argc, argv, &command)) return failed;
     if (command.help) {
         PrintUsage(std::cout);
+        return kExitOk;
+    }
+    if (command.version) {
+        PrintVersion(std::cout);
         return kExitOk;
     }
 

@@ -6,8 +6,16 @@
 
 #include "routes.h"
 
-#ifndef SENSORCONTROL_LIBRARY_SUFFIX
-#define SENSORCONTROL_LIBRARY_SUFFIX ".so"
+#ifdef SENSORCTL_INSTALLED_LIBRARY_DIR
+#define SENSORCTL_LIBRARY_DIRS SENSORCTL_INSTALLED_LIBRARY_DIR " if it is there, else in ../lib"
+#else
+#define SENSORCTL_LIBRARY_DIRS "../lib"
+#endif
+#ifndef SENSORCONTROL_LIBRARY_FILE
+#define SENSORCONTROL_LIBRARY_FILE "libsensorcontrol.so"
+#endif
+#ifndef SENSORCONTROL_VERSION
+#define SENSORCONTROL_VERSION "unknown"
 #endif
 
 namespace sensorctl {
@@ -21,7 +29,7 @@ Usage:
   sensorctl [options] -f FILE                    one request per line; -f - reads standard input
   sensorctl [options] demo                       a guided tour of the simulated world
   sensorctl serve [serve options]                every resource over HTTP, and the console
-  sensorctl --help
+  sensorctl --help | --version
 
 All requests of one run share one loaded library, so a sensor opened by one
 request stays open for the next ones (sensor ids live only as long as the
@@ -106,7 +114,8 @@ Serve:
   --library PATH, --backend SET, --scenario FILE   as below
 
 Options:
-  --library PATH    the library to load (default: ../lib/libsensorcontrol)" SENSORCONTROL_LIBRARY_SUFFIX R"(
+  --library PATH    the library to load (default: )" SENSORCONTROL_LIBRARY_FILE R"( in
+                    )" SENSORCTL_LIBRARY_DIRS R"(,
                     relative to the folder of the sensorctl program)
   --backend SET     the device set the library drives: sim (the simulated
                     world) or linux (real instruments through colord and
@@ -125,6 +134,7 @@ Options:
   -n, --dry-run     check the requests and print what each would pass to
                     which export, without loading the library
   -h, --help        this text
+  -V, --version     print the version and exit
 
 Exit codes:
   0  every request was sent and answered (whatever its status, unless --fail)
@@ -158,6 +168,10 @@ void PrintUsage(std::ostream& out) {
         out << "\n";
     }
     out << kRoutingNotes;
+}
+
+void PrintVersion(std::ostream& out) {
+    out << "sensorctl " SENSORCONTROL_VERSION "\n";
 }
 
 void PrintShortUsage(std::ostream& out) {

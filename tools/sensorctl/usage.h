@@ -7,5 +7,6 @@ namespace sensorctl {
 
 void PrintUsage(std::ostream& out);
 void PrintShortUsage(std::ostream& out);
+void PrintVersion(std::ostream& out); // "sensorctl <project version>"
 
 } // namespace sensorctl
