@@ -21,6 +21,7 @@
 
 #include "devices/device_api.h"
 #include "devices/records.h"
+#include "devices/result_codes.h"
 #include "world/model.h"
 
 #if defined(__GNUC__)
@@ -34,22 +35,7 @@ namespace sim {
 struct State;
 
 // Result codes the stand-ins answer with.
-namespace code {
-constexpr int32_t kOK = 0;
-constexpr int32_t kFailed = static_cast<int32_t>(0x80000000u);
-constexpr int32_t kInvalidArgument = static_cast<int32_t>(0x80000001u);
-constexpr int32_t kInvalidBuffer = static_cast<int32_t>(0x80000002u);
-constexpr int32_t kInvalidBufferSize = static_cast<int32_t>(0x80000003u);
-constexpr int32_t kNotRegistered = static_cast<int32_t>(0x80000005u);
-constexpr int32_t kUnsupported = static_cast<int32_t>(0x80000007u);
-constexpr int32_t kOutOfRange = static_cast<int32_t>(0x8000000Au);
-constexpr int32_t kNoMoreData = static_cast<int32_t>(0x8000000Bu);
-constexpr int32_t kInvalidPrecondition = static_cast<int32_t>(0x80000015u);
-constexpr int32_t kInvalidData = static_cast<int32_t>(0x8000001Au);
-constexpr int32_t kMonitorConnection = static_cast<int32_t>(0x80010001u);
-constexpr int32_t kSensorConnection = static_cast<int32_t>(0x80010002u);
-constexpr int32_t kMonitorOwned = static_cast<int32_t>(0x8001000Au);
-} // namespace code
+namespace code = ::devices::code;
 
 inline DvError result(int32_t value) {
     return DvError{value};
