@@ -1,6 +1,7 @@
 // Runs the built sensorctl against the built library and the simulated world.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -17,11 +18,11 @@ struct Outcome {
 };
 
 // Runs sensorctl with the arguments (already quoted for the shell) and, when
-// given, a script on standard input. Files are named by the test, so tests
-// running side by side keep them apart.
+// given, a script on standard input. Files are named by the test and the
+// process, so tests running side by side, from any build, keep them apart.
 Outcome Sensorctl(std::string const& arguments, std::string const& script = "") {
-    std::string const base =
-        ::testing::TempDir() + "sensorctl_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::string const base = ::testing::TempDir() + "sensorctl_" + std::to_string(getpid()) + "_" +
+                             ::testing::UnitTest::GetInstance()->current_test_info()->name();
     std::ofstream(base + ".in") << script;
     int const status = std::system((std::string(TEST_BINARY_DIR) + "/sensorctl " + arguments + " < " + base +
                                     ".in > " + base + ".out 2> " + base + ".err")
