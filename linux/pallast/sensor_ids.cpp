@@ -4,22 +4,22 @@ namespace pallast {
 
 namespace {
 
-uint32_t fnv1a32(std::string const& text) {
-    uint32_t hash = 2166136261u;
+// FNV-1a: the same text gives the same id on every machine and in every run.
+template <typename Hash> Hash fnv1a(std::string const& text, Hash basis, Hash prime) {
+    Hash hash = basis;
     for (unsigned char c : text) {
         hash ^= c;
-        hash *= 16777619u;
+        hash *= prime;
     }
     return hash;
 }
 
+uint32_t fnv1a32(std::string const& text) {
+    return fnv1a<uint32_t>(text, 2166136261u, 16777619u);
+}
+
 uint64_t fnv1a64(std::string const& text) {
-    uint64_t hash = 14695981039346656037ull;
-    for (unsigned char c : text) {
-        hash ^= c;
-        hash *= 1099511628211ull;
-    }
-    return hash;
+    return fnv1a<uint64_t>(text, 14695981039346656037ull, 1099511628211ull);
 }
 
 } // namespace
