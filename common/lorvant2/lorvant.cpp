@@ -33,24 +33,21 @@ int openLogFile() {
 
 constexpr size_t kSecondLength = 19; // "YYYY-MM-DD hh:mm:ss"
 
-// The local time to the second; localtime_r is dear, so each thread keeps the
-// text of the last second it formatted.
-char const* secondStamp(time_t seconds) {
-    thread_local time_t cachedSecond = -1;
-    thread_local char cached[32];
-    if (seconds != cachedSecond) {
-        tm local{};
-        localtime_r(&seconds, &local);
-        if (std::strftime(cached, sizeof cached, "%Y-%m-%d %H:%M:%S", &local) != kSecondLength)
-            std::snprintf(cached, sizeof cached, "%19s", "");
-        cachedSecond = seconds;
-    }
-    return cached;
-}
-
 char* put(char* out, char const* text, size_t length) {
     std::memcpy(out, text, length);
     return out + length;
+}
+
+// The local time to the second, "YYYY-MM-DD hh:mm:ss", into out. No
+// thread_local cache: this library is opened at run time, and dynamic TLS in
+// it trips LeakSanitizer's scan of thread-local storage at exit.
+char* putSecondStamp(char* out, time_t seconds) {
+    tm local{};
+    localtime_r(&seconds, &local);
+    char text[32];
+    if (std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local) != kSecondLength)
+        std::snprintf(text, sizeof text, "%19s", "");
+    return put(out, text, kSecondLength);
 }
 
 // The decimal text of a level (snprintf costs more than the rest of the line).
@@ -104,7 +101,7 @@ void lorvant_log(void* logger, char const* name, int32_t level, char const* mess
     std::string longLine;
     char* const line = total <= sizeof shortLine ? shortLine : &(longLine = std::string(total, ' '))[0];
     char* out = line;
-    out = put(out, secondStamp(now.tv_sec), kSecondLength);
+    out = putSecondStamp(out, now.tv_sec);
     long const ms = static_cast<long>(now.tv_usec / 1000);
     *out++ = '.';
     *out++ = static_cast<char>('0' + ms / 100);
