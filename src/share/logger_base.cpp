@@ -38,12 +38,15 @@ void LoggerBase::setup() {
     void* getLogger = library_.symbol("lorvant_get_logger");
     if (getLogger == nullptr) return;
     logger_ = reinterpret_cast<GetLoggerFunction>(getLogger)();
-    log_ = library_.symbol("lorvant_log");
 }
 
 void LoggerBase::log(LorvantLevel level, std::string const& message) {
     if (!bound()) return;
-    reinterpret_cast<LogFunction>(log_)(logger_, name_.c_str(), static_cast<int32_t>(level), message.c_str());
+    // Looked up on every line, as the logging library has always been used.
+    void* logFunction = library_.symbol("lorvant_log");
+    if (logFunction == nullptr) return;
+    reinterpret_cast<LogFunction>(logFunction)(logger_, name_.c_str(), static_cast<int32_t>(level),
+                                               message.c_str());
 }
 
 std::string LoggerBase::resultLine(std::string const& uri, std::string const& method,

@@ -19,9 +19,9 @@ public:
     virtual ~LoggerBase() = default;
 
     void setup();
-    // True when the logging library and both its functions were found; lines
-    // are built only then, since nobody would receive them otherwise.
-    bool bound() const { return logger_ != nullptr && log_ != nullptr; }
+    // True when the logging library gave a logger; lines are built only then,
+    // since nobody would receive them otherwise.
+    bool bound() const { return logger_ != nullptr; }
     void log(LorvantLevel level, std::string const& message);
     // "statusCode:…\tmethod:…\turi:…" then "\tmsg:Success" (level 2) or
     // "\terr:…\tmsg:…[\tcode:xxxxxxxx]" (level 5).
@@ -35,7 +35,6 @@ private:
     std::string name_;
     DynamicLibrary library_;
     void* logger_ = nullptr;
-    void* log_ = nullptr; // lorvant_log; the library stays loaded, so it is looked up once
 };
 
 } // namespace tovel
