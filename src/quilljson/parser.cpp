@@ -43,7 +43,11 @@ enum Mode {
     kCheck,     // neither
 };
 
+// Frames and keys are made in place: a temporary copied in would be read
+// back with wider loads than it was written with, which stalls the store
+// forwarding on every container the parse opens.
 struct Frame {
+    Frame(size_t base_, bool isObject_) : data(nullptr), count(0), base(base_), isObject(isObject_) {}
     Value holder;   // owns a nested container until it is complete; null for the top level
     void* data;     // its ObjectType or ArrayType (target modes)
     uint64_t count; // members or elements read
@@ -54,6 +58,7 @@ struct Frame {
 // The key of a member whose value is being read: a view of the input, or
 // the decoded text when the key had escapes (text is then null).
 struct PendingKey {
+    PendingKey(char const* t, size_t n, std::string&& d) : text(t), size(n), decoded(std::move(d)) {}
     char const* text;
     size_t size;
     std::string decoded;
@@ -232,7 +237,7 @@ private:
     // nested container is built in a fresh holder in its frame.
     bool open(Value* root) {
         bool const isObject = *p_ == '{';
-        stack_.push_back(Frame{Value(), nullptr, 0, elements_.size(), isObject});
+        stack_.emplace_back(elements_.size(), isObject);
         if (kTarget) {
             Frame& f = stack_.back();
             Value& v = root ? *root : f.holder;
@@ -327,7 +332,7 @@ private:
                 skipSpace();
                 if (p_ == end_) return fail(kUnexpectedCharacter);
                 if (*p_ == '{' || *p_ == '[') {
-                    if (kTarget) keys_.push_back(PendingKey{kb, kn, std::move(decoded)});
+                    if (kTarget) keys_.emplace_back(kb, kn, std::move(decoded));
                     if (!open(nullptr)) return false;
                     continue;
                 }

@@ -19,14 +19,21 @@ using ArrayBox = Value::Container<Value::ArrayType>;
 
 // Containers whose count reached 0 while another deletion was running on this
 // thread. Deleting an object or array destroys its members, which may drop
-// further containers to 0; those are queued here and deleted by the outermost
-// call, so a value nested a million levels deep is freed in a loop instead of
-// a million nested destructor calls.
+// further containers to 0; those are queued here (linked through their own
+// headers) and deleted by the outermost call, so a value nested a million
+// levels deep is freed in a loop instead of a million nested destructor calls.
 struct DeathRow {
     Value::AbstractContainer* head;
     bool draining;
 };
 thread_local DeathRow t_deathRow = {nullptr, false};
+
+void deleteNested(bool isArray, Value::AbstractContainer* c) noexcept {
+    if (isArray)
+        delete static_cast<ArrayBox*>(c);
+    else
+        delete static_cast<ObjectBox*>(c);
+}
 
 } // namespace
 
@@ -37,15 +44,16 @@ void Value::destroy(uint32_t type, AbstractContainer* c) noexcept {
     }
     DeathRow& row = t_deathRow;
     if (row.draining) {
-        c->nextDead = row.head;
+        c->nextDead = reinterpret_cast<uintptr_t>(row.head) | (type == Array ? 1u : 0u);
         row.head = c;
         return;
     }
     row.draining = true;
-    delete c;
+    deleteNested(type == Array, c);
     while (AbstractContainer* next = row.head) {
-        row.head = next->nextDead;
-        delete next;
+        uintptr_t const link = next->nextDead;
+        row.head = reinterpret_cast<AbstractContainer*>(link & ~uintptr_t(1));
+        deleteNested(link & 1, next);
     }
     row.draining = false;
 }

@@ -34,12 +34,20 @@ public:
                                 detail::BlockAllocator<std::pair<std::string const, Value>>>;
     using ArrayType = std::vector<Value, detail::BlockAllocator<Value>>;
 
+    // The header of every container: one word, no virtual table. The value
+    // holding a container knows its kind, so it is deleted through its own
+    // type (see destroy()); small headers keep a parsed document compact, and
+    // its size is what a parse and a free of it mostly pay for.
     struct AbstractContainer {
-        virtual ~AbstractContainer() = default;
         static void* operator new(size_t size) { return detail::allocateBlock(size); }
         static void operator delete(void* p) noexcept { detail::freeBlock(p); }
-        uint32_t count = 1;
-        AbstractContainer* nextDead = nullptr; // pending-deletion list, see release()
+        union {
+            uint32_t count = 1; // values sharing the container
+            // Once the count is 0 and the container waits on the
+            // pending-deletion list (see destroy()): the next one's address,
+            // with bit 0 set when this one is an array.
+            uintptr_t nextDead;
+        };
     };
     template <typename T> struct Container final : AbstractContainer {
         T data;
