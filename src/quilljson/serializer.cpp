@@ -8,6 +8,7 @@
 #include <new>
 #include <vector>
 
+#include "key_less.h"
 #include "number_text.h"
 
 namespace quilljson {
@@ -46,23 +47,8 @@ inline unsigned escapeMask(__m128i chunk) {
 }
 #endif
 
-// A std::string shorter than 16 bytes can be read 16 bytes at a time from
-// data(): libstdc++ keeps such a text in a 16-byte buffer inside the string
-// object, or in a heap block of at least 17 bytes, and libc++'s short buffer
-// is 23 bytes. The bytes past the text may be unwritten, which only
-// MemorySanitizer would object to; their bits are masked off.
-#if defined(__SSE2__) && (defined(__GLIBCXX__) || defined(_LIBCPP_VERSION))
-#if defined(__has_feature)
-#if __has_feature(memory_sanitizer)
-#define QUILLJSON_SHORT_STRING_LOAD 0
-#endif
-#endif
-#ifndef QUILLJSON_SHORT_STRING_LOAD
-#define QUILLJSON_SHORT_STRING_LOAD 1
-#endif
-#else
-#define QUILLJSON_SHORT_STRING_LOAD 0
-#endif
+// QUILLJSON_SHORT_STRING_LOAD (key_less.h): a std::string may be read 16
+// bytes at a time from data().
 
 // The text is written through a raw cursor into a buffer kept per thread and
 // grown with realloc, then appended to the caller's string in one piece. A

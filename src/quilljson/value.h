@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "allocator.h"
+#include "key_less.h"
 
 namespace quilljson {
 
@@ -30,7 +31,7 @@ public:
     };
     static constexpr uint32_t kContainerMask = 0x70;
 
-    using ObjectType = std::map<std::string, Value, std::less<std::string>,
+    using ObjectType = std::map<std::string, Value, detail::KeyLess,
                                 detail::BlockAllocator<std::pair<std::string const, Value>>>;
     using ArrayType = std::vector<Value, detail::BlockAllocator<Value>>;
 
