@@ -196,8 +196,15 @@ struct Layout {
     size_t unitSize;
 };
 
-// One open container: the members still to write.
+// One open container: the members still to write. Made in place on the
+// stack: a temporary copied in is read back with wider loads than it was
+// written with, which stalls the store forwarding for every container.
 struct Frame {
+    explicit Frame(Value::ObjectType const& map)
+        : isObject(true), any(false), member(map.begin()), memberEnd(map.end()), element(nullptr),
+          elementEnd(nullptr) {}
+    explicit Frame(Value::ArrayType const& vec)
+        : isObject(false), any(false), element(vec.data()), elementEnd(vec.data() + vec.size()) {}
     bool isObject;
     bool any; // a member was written: the next one needs a comma
     Value::ObjectType::const_iterator member, memberEnd;
@@ -244,11 +251,7 @@ public:
                     break;
                 }
                 w_.put('{');
-                Frame f{};
-                f.isObject = true;
-                f.member = map.begin();
-                f.memberEnd = map.end();
-                stack_.push_back(f);
+                stack_.emplace_back(map);
                 break;
             }
             case Value::Array: {
@@ -259,11 +262,7 @@ public:
                     break;
                 }
                 w_.put('[');
-                Frame f{};
-                f.isObject = false;
-                f.element = vec.data();
-                f.elementEnd = vec.data() + vec.size();
-                stack_.push_back(f);
+                stack_.emplace_back(vec);
                 break;
             }
             default:
