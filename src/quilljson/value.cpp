@@ -91,6 +91,11 @@ void Value::assignString(char const* s, size_t n) {
         static_cast<StringBox*>(payload_.c)->data.assign(s, n);
         return;
     }
+    if (!(type_ & kContainerMask)) { // the parser's case: the text goes straight into its container
+        payload_.c = new StringBox(s, n);
+        type_ = String;
+        return;
+    }
     Value fresh(std::string(s, n)); // made before the release: s may point into the old content
     *this = std::move(fresh);
 }

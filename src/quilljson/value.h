@@ -55,6 +55,7 @@ public:
         Container() = default;
         explicit Container(T const& d) : data(d) {}
         explicit Container(T&& d) : data(std::move(d)) {}
+        Container(char const* s, size_t n) : data(s, n) {} // a string made in place
     };
 
     Value() noexcept : type_(Null), payload_{0} {}
