@@ -50,6 +50,7 @@ public:
             uintptr_t nextDead;
         };
     };
+    static_assert(sizeof(AbstractContainer) == sizeof(uintptr_t), "a container header is one word");
     template <typename T> struct Container final : AbstractContainer {
         T data;
         Container() = default;
