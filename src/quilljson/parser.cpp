@@ -266,7 +266,7 @@ private:
             vec.reserve(vec.size() + (elements_.size() - f.base));
             vec.insert(vec.end(), std::make_move_iterator(first), std::make_move_iterator(elements_.end()));
         }
-        elements_.erase(first, elements_.end());
+        elements_.resize(f.base); // moved from: nulls
     }
 
     // After a failure the top-level array keeps the elements read before it.
