@@ -12,14 +12,17 @@
 #endif
 
 // A std::string can be read 16 bytes at a time from data(), whatever its
-// length: libstdc++ keeps a text shorter than 16 bytes in a 16-byte buffer
-// inside the string object and a longer one in a heap block of at least 17
-// bytes, and libc++'s short buffer is 23 bytes. The bytes past the text may
-// be unwritten, which only MemorySanitizer would object to; their bits are
-// masked off.
-#if defined(__SSE2__) && (defined(__GLIBCXX__) || defined(_LIBCPP_VERSION))
+// length: libstdc++ (its C++11 string; the old reference-counted one keeps
+// short texts in blocks just their size) keeps a text shorter than 16 bytes
+// in a 16-byte buffer inside the string object and a longer one in a heap
+// block of at least 17 bytes, and libc++'s short buffer is 23 bytes. The
+// bytes past the text may be unwritten, which only MemorySanitizer would
+// object to; their bits are masked off. AddressSanitizer with libc++ may
+// mark the unused capacity of a long string as unreadable, so that build
+// compares byte by byte.
+#if defined(__SSE2__) && ((defined(__GLIBCXX__) && _GLIBCXX_USE_CXX11_ABI) || defined(_LIBCPP_VERSION))
 #if defined(__has_feature)
-#if __has_feature(memory_sanitizer)
+#if __has_feature(memory_sanitizer) || (defined(_LIBCPP_VERSION) && __has_feature(address_sanitizer))
 #define QUILLJSON_SHORT_STRING_LOAD 0
 #endif
 #endif
