@@ -88,6 +88,11 @@ bool ConnectionStream::is_writable() const {
 }
 
 ssize_t ConnectionStream::read(char* ptr, size_t size) {
+    // The HTTP library reads the request line and headers a byte at a time.
+    if (size == 1 && begin_ < end_) {
+        *ptr = buffer_[begin_++];
+        return 1;
+    }
     if (!held_.empty()) {
         // An interim answer (100 Continue) must reach the client before its body can arrive.
         if (!flush()) return -1;
