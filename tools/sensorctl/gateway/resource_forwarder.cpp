@@ -111,7 +111,7 @@ Answer ResourceForwarder::forwardInTurn(Method method, Route const& route, std::
     if (endpoint == nullptr)
         return {404, ErrorEnvelope("FunctionNotFoundError",
                                    std::string(route.exportName) + " is not exported by the library.")};
-    Response const response = library_.call(endpoint, texts);
+    Response response = library_.call(endpoint, texts);
     if (!response.stored)
         return {500, ErrorEnvelope("UnknownError", "The library stored no response for the request.")};
 
@@ -120,7 +120,7 @@ Answer ResourceForwarder::forwardInTurn(Method method, Route const& route, std::
         if (route.kind == RouteKind::Reading && events_.hasSubscribers())
             publishReading(sensor, request.path, response.text);
     }
-    return {static_cast<int>(response.status), response.text};
+    return {static_cast<int>(response.status), std::move(response.text)};
 }
 
 void ResourceForwarder::publishReading(std::string const& sensor, std::string const& path,
