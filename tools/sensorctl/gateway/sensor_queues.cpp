@@ -6,10 +6,11 @@ namespace sensorctl::gateway {
 
 namespace {
 
-// How long the thread that holds a line serves the requests of others before
-// it hands the line on and answers its own client: about a hundred simulated
-// requests, or one request of a real instrument.
-constexpr std::chrono::microseconds kServeOthersFor{1000};
+// How long the thread that holds a line may keep it, its own request
+// included, before it hands the line on and answers its own client: about a
+// hundred simulated requests; a request of a real instrument takes longer
+// alone, so its line is handed on after each request.
+constexpr std::chrono::microseconds kHoldLineFor{1000};
 
 } // namespace
 
@@ -23,9 +24,10 @@ void SensorQueues::run(std::string const& sensor, std::function<void()> const& w
     }
     if (request.state != Request::State::Done) {
         lock.unlock();
+        auto const until = std::chrono::steady_clock::now() + kHoldLineFor;
         Execute(request);
         lock.lock();
-        serveLine(sensor, lock);
+        serveLine(sensor, until, lock);
     }
     lock.unlock();
     if (request.failure) std::rethrow_exception(request.failure);
@@ -45,8 +47,8 @@ void SensorQueues::Execute(Request& request) {
     }
 }
 
-void SensorQueues::serveLine(std::string const& sensor, std::unique_lock<std::mutex>& lock) {
-    auto const until = std::chrono::steady_clock::now() + kServeOthersFor;
+void SensorQueues::serveLine(std::string const& sensor, std::chrono::steady_clock::time_point until,
+                             std::unique_lock<std::mutex>& lock) {
     Line& line = lines_.find(sensor)->second; // stays put while the line exists, and only its holder ends it
     while (!line.waiting.empty()) {
         Request* next = line.waiting.front();

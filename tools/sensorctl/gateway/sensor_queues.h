@@ -3,12 +3,14 @@
 //
 // A request whose sensor is idle runs on its own thread. Requests that arrive
 // meanwhile wait in the sensor's line, and the thread that holds the line
-// runs them too, in order, for a short while before handing the line to the
-// next waiting thread: waking a thread for each request would leave the
-// sensor idle for a scheduling delay between requests, which is what bounds
-// the throughput of one sensor under load.
+// runs them too, in order, for a short while (unless its own request alone
+// took that long) before handing the line to the next waiting thread: waking
+// a thread for each request would leave the sensor idle for a scheduling
+// delay between requests, which is what bounds one sensor's throughput under
+// load.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -42,7 +44,10 @@ private:
     };
 
     static void Execute(Request& request);
-    void serveLine(std::string const& sensor, std::unique_lock<std::mutex>& lock);
+    // Runs the requests waiting behind this thread's until `until`, then
+    // hands the line to the next waiting thread, or ends it.
+    void serveLine(std::string const& sensor, std::chrono::steady_clock::time_point until,
+                   std::unique_lock<std::mutex>& lock);
 
     std::mutex mutex_;
     std::unordered_map<std::string, Line> lines_; // a sensor has a line while one of its requests runs
