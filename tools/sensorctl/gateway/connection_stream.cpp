@@ -17,6 +17,14 @@ namespace {
 // stopping: what an idle connection adds to stopping the server.
 constexpr long kWaitSliceMicroseconds = 100000;
 
+// A client that has gone must fail the send, not raise SIGPIPE: per send on
+// Linux, per socket (SO_NOSIGPIPE) on macOS.
+#ifdef MSG_NOSIGNAL
+constexpr int kSendFlags = MSG_NOSIGNAL;
+#else
+constexpr int kSendFlags = 0;
+#endif
+
 void NumericAddress(sockaddr_storage const& address, socklen_t length, std::string* ip, int* port) {
     if (address.ss_family == AF_INET)
         *port = ntohs(reinterpret_cast<sockaddr_in const&>(address).sin_port);
@@ -51,6 +59,10 @@ ConnectionStream::ConnectionStream(socket_t socket, std::chrono::milliseconds re
     timeval write{static_cast<time_t>(writeMicros / 1000000),
                   static_cast<suseconds_t>(writeMicros % 1000000)};
     setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &write, sizeof write);
+#ifdef SO_NOSIGPIPE
+    int const yes = 1;
+    setsockopt(socket_, SOL_SOCKET, SO_NOSIGPIPE, &yes, sizeof yes);
+#endif
     // The addresses do not change: asked once, not for every request.
     sockaddr_storage address{};
     socklen_t length = sizeof address;
@@ -133,7 +145,7 @@ bool ConnectionStream::sendAll(char const* first, size_t firstSize, char const* 
     message.msg_iov = parts;
     message.msg_iovlen = secondSize == 0 ? 1 : 2;
     while (message.msg_iovlen > 0) {
-        ssize_t sent = sendmsg(socket_, &message, MSG_NOSIGNAL);
+        ssize_t sent = sendmsg(socket_, &message, kSendFlags);
         if (sent < 0) {
             if (errno == EINTR) continue;
             return false; // SO_SNDTIMEO ran out, or the client has gone
