@@ -13,6 +13,7 @@
 #include "quilljson/value.h"
 #include "world/journal.h"
 #include "world/model.h"
+#include "world/world_lock.h"
 
 namespace sim {
 
@@ -26,18 +27,23 @@ struct OpenSensor {
 };
 
 struct State {
-    std::recursive_mutex mutex;
+    WorldLock mutex;
     World world;
     std::map<uintptr_t, OpenSensor> handles;
     uintptr_t nextHandle = 0x5E000000;
+    // Reading calls share the world, so the journal has a lock of its own,
+    // taken inside the world lock; on its own cache line, as it is written on
+    // every call.
+    alignas(64) std::mutex journalMutex;
     Journal journal;
     // By function name; looked up with the caller's text, no string made.
     using Injections = std::map<std::string, int32_t, std::less<>>;
     Injections injections;
     std::set<std::string> interned;
 
-    // Argument buffers of the calls in progress, one per nesting level of the
-    // thread that holds the lock; kept, so a call allocates nothing once warm.
+    // Argument buffers of the changing calls in progress, one per nesting level
+    // of the thread that holds the lock; kept, so a call allocates nothing once
+    // warm. Reading calls, which may run side by side, pack into their own.
     std::vector<std::unique_ptr<std::string>> argumentBuffers;
     size_t callDepth = 0;
 };

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "quilljson/parser.h"
+#include "tvl/threading/spin.h"
 #include "world/state.h"
 
 namespace sim {
@@ -112,10 +113,11 @@ std::string fieldText(char const* field, size_t size) {
 
 namespace {
 
-State& lockedState() {
-    State& s = state();
+// Takes the world lock for a call; true when it is held shared.
+bool enter(State& s, Call::Access access) {
+    if (access == Call::Access::Reads) return s.mutex.lockShared();
     s.mutex.lock();
-    return s;
+    return false;
 }
 
 std::string& argumentBuffer(State& s) {
@@ -127,14 +129,26 @@ std::string& argumentBuffer(State& s) {
 
 } // namespace
 
-Call::Call(char const* function)
-    : state_(lockedState()), function_(function), args_(argumentBuffer(state_)) {}
+Call::Call(char const* function, Access access)
+    : state_(state()), function_(function), shared_(enter(state_, access)),
+      args_(shared_ ? ownArgs_ : argumentBuffer(state_)) {}
 
 Call::~Call() {
-    try {
-        state_.journal.append(function_, args_);
-    } catch (...) {
-        // Out of memory: the call goes unrecorded rather than the lock held.
+    {
+        // Two reading calls on different sensors meet here; the lock is held
+        // for one copy, so a taker spins briefly before blocking.
+        std::mutex& journal = state_.journalMutex;
+        if (!threading::spinTryLock([&journal] { return journal.try_lock(); })) journal.lock();
+        std::lock_guard<std::mutex> locked(journal, std::adopt_lock);
+        try {
+            state_.journal.append(function_, args_);
+        } catch (...) {
+            // Out of memory: the call goes unrecorded rather than the lock held.
+        }
+    }
+    if (shared_) {
+        state_.mutex.unlockShared();
+        return;
     }
     --state_.callDepth;
     state_.mutex.unlock();

@@ -43,7 +43,13 @@ inline DvError result(int32_t value) {
 
 class SIM_API Call {
 public:
-    explicit Call(char const* function);
+    enum class Access {
+        Changes, // may change anything: holds the world alone
+        Reads,   // reads the world and changes nothing in it (handles, names and
+                 // the world included), calls no changing function: shares it with
+                 // other reading calls
+    };
+    explicit Call(char const* function, Access access = Access::Changes);
     ~Call(); // appends the journal entry and releases the world
     Call(Call const&) = delete;
     Call& operator=(Call const&) = delete;
@@ -93,7 +99,9 @@ public:
 private:
     State& state_; // locked for the call's lifetime
     char const* function_;
-    std::string& args_; // packed input arguments (journal.h), in a buffer the world reuses
+    bool shared_;         // holds the world lock shared
+    std::string ownArgs_; // the packed arguments of a shared call
+    std::string& args_;   // packed input arguments (journal.h): ownArgs_, or a buffer the world reuses
 };
 
 // Helpers for fixed character fields.
