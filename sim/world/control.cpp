@@ -69,7 +69,10 @@ uint32_t SimGetJournal(char* buffer, uint32_t length) {
     std::string text;
     {
         std::lock_guard<sim::WorldLock> lock(s.mutex);
-        text = quilljson::Serializer::toText(s.journal.toJson());
+        sim::Journal const* lanes[sizeof s.journal / sizeof s.journal[0]];
+        for (size_t i = 0; i < sizeof s.journal / sizeof s.journal[0]; ++i)
+            lanes[i] = &s.journal[i].journal;
+        text = quilljson::Serializer::toText(sim::Journal::toJson(lanes, sizeof lanes / sizeof lanes[0]));
     }
     return copyOut(text, buffer, length);
 }
@@ -77,7 +80,8 @@ uint32_t SimGetJournal(char* buffer, uint32_t length) {
 void SimClearJournal(void) {
     sim::State& s = sim::state();
     std::lock_guard<sim::WorldLock> lock(s.mutex);
-    s.journal.clear();
+    for (auto& lane : s.journal)
+        lane.journal.clear();
 }
 
 } // extern "C"

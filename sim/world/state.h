@@ -2,6 +2,7 @@
 // lives beside it across scenario loads (open handles, journal, injections).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -31,11 +32,19 @@ struct State {
     World world;
     std::map<uintptr_t, OpenSensor> handles;
     uintptr_t nextHandle = 0x5E000000;
-    // Reading calls share the world, so the journal has a lock of its own,
-    // taken inside the world lock; on its own cache line, as it is written on
-    // every call.
-    alignas(64) std::mutex journalMutex;
-    Journal journal;
+    // The journal in lanes: one per reader slot of the world lock, for the
+    // reading calls counted there (two of them may run side by side: a lock
+    // each), and the last for the changing calls. The sequence orders the
+    // calls of all lanes; each lane on cache lines of its own.
+    struct alignas(64) JournalLane {
+        std::mutex mutex;
+        Journal journal;
+    };
+    static constexpr size_t kChangesLane = WorldLock::kReaderSlots;
+    JournalLane journal[WorldLock::kReaderSlots + 1];
+    struct alignas(64) Sequence {
+        std::atomic<uint64_t> next{0};
+    } journalSequence;
     // By function name; looked up with the caller's text, no string made.
     using Injections = std::map<std::string, int32_t, std::less<>>;
     Injections injections;

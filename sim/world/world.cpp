@@ -113,13 +113,6 @@ std::string fieldText(char const* field, size_t size) {
 
 namespace {
 
-// Takes the world lock for a call; true when it is held shared.
-bool enter(State& s, Call::Access access) {
-    if (access == Call::Access::Reads) return s.mutex.lockShared();
-    s.mutex.lock();
-    return false;
-}
-
 std::string& argumentBuffer(State& s) {
     if (s.callDepth == s.argumentBuffers.size()) s.argumentBuffers.push_back(std::make_unique<std::string>());
     std::string& buffer = *s.argumentBuffers[s.callDepth++];
@@ -127,27 +120,37 @@ std::string& argumentBuffer(State& s) {
     return buffer;
 }
 
+// Handles are spaced by 0x10 (Call::open): sensors opened one after another
+// land in different slots.
+size_t readerSlot(void const* sensor) {
+    return (reinterpret_cast<uintptr_t>(sensor) >> 4) % WorldLock::kReaderSlots;
+}
+
 } // namespace
 
-Call::Call(char const* function, Access access)
-    : state_(state()), function_(function), shared_(enter(state_, access)),
-      args_(shared_ ? ownArgs_ : argumentBuffer(state_)) {}
+Call::Call(char const* function)
+    : state_(state()), function_(function), slot_(0), shared_((state_.mutex.lock(), false)),
+      args_(argumentBuffer(state_)) {}
+
+Call::Call(char const* function, void const* sensor)
+    : state_(state()), function_(function), slot_(readerSlot(sensor)),
+      shared_(state_.mutex.lockShared(slot_)), args_(shared_ ? ownArgs_ : argumentBuffer(state_)) {}
 
 Call::~Call() {
     {
-        // Two reading calls on different sensors meet here; the lock is held
-        // for one copy, so a taker spins briefly before blocking.
-        std::mutex& journal = state_.journalMutex;
-        if (!threading::spinTryLock([&journal] { return journal.try_lock(); })) journal.lock();
-        std::lock_guard<std::mutex> locked(journal, std::adopt_lock);
+        // Only reading calls counted in one slot share a lane.
+        State::JournalLane& lane = state_.journal[shared_ ? slot_ : State::kChangesLane];
+        if (!threading::spinTryLock([&lane] { return lane.mutex.try_lock(); })) lane.mutex.lock();
+        std::lock_guard<std::mutex> locked(lane.mutex, std::adopt_lock);
         try {
-            state_.journal.append(function_, args_);
+            lane.journal.append(state_.journalSequence.next.fetch_add(1, std::memory_order_relaxed),
+                                function_, args_);
         } catch (...) {
             // Out of memory: the call goes unrecorded rather than the lock held.
         }
     }
     if (shared_) {
-        state_.mutex.unlockShared();
+        state_.mutex.unlockShared(slot_);
         return;
     }
     --state_.callDepth;

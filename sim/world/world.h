@@ -43,13 +43,12 @@ inline DvError result(int32_t value) {
 
 class SIM_API Call {
 public:
-    enum class Access {
-        Changes, // may change anything: holds the world alone
-        Reads,   // reads the world and changes nothing in it (handles, names and
-                 // the world included), calls no changing function: shares it with
-                 // other reading calls
-    };
-    explicit Call(char const* function, Access access = Access::Changes);
+    // A call that may change anything: it holds the world alone.
+    explicit Call(char const* function);
+    // A call on a sensor handle that only reads: it changes nothing (handles,
+    // interned names and the world included) and makes no changing call, and
+    // shares the world with other reading calls.
+    Call(char const* function, void const* sensor);
     ~Call(); // appends the journal entry and releases the world
     Call(Call const&) = delete;
     Call& operator=(Call const&) = delete;
@@ -99,7 +98,8 @@ public:
 private:
     State& state_; // locked for the call's lifetime
     char const* function_;
-    bool shared_;         // holds the world lock shared
+    size_t slot_;         // the reader slot and journal lane of a reading call
+    bool shared_;         // holds the world lock shared, in slot_
     std::string ownArgs_; // the packed arguments of a shared call
     std::string& args_;   // packed input arguments (journal.h): ownArgs_, or a buffer the world reuses
 };
