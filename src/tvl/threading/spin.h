@@ -22,14 +22,17 @@ inline void cpuRelax() {
 }
 
 // Calls tryLock until it succeeds or the spin budget is spent; true when it
-// succeeded. The caller blocks on the lock when it did not.
+// succeeded. The caller blocks on the lock when it did not. The pauses
+// between tries double, so that a waiter does not keep taking the lock's
+// cache line away from the holder.
 template <typename TryLock> bool spinTryLock(TryLock&& tryLock) {
-    constexpr int kSpins = 64; // a few microseconds at most, by the processor's pause
-    for (int i = 0; i < kSpins; ++i) {
+    constexpr int kPauses = 256; // a few microseconds at most, by the processor's pause
+    for (int pauses = 1, spent = 0; spent < kPauses; spent += pauses, pauses *= 2) {
         if (tryLock()) return true;
-        cpuRelax();
+        for (int i = 0; i < pauses; ++i)
+            cpuRelax();
     }
-    return false;
+    return tryLock();
 }
 
 } // namespace threading
