@@ -66,9 +66,15 @@ std::string Fetch(uint32_t id, std::string& buffer) {
     return buffer;
 }
 
-std::string OpenSensor() {
+// The default world's two stand-alone USB sensors. Each host thread measures
+// its own, as two hosts' threads would, and each of two processes takes the
+// one the thread of the same number takes, so both cases read the same pair.
+constexpr char const* kDeviceIDs[] = {"8", "11"};
+
+std::string OpenSensor(char const* deviceID) {
     std::string buffer;
-    std::string const text = Fetch(DeviceID(R"({"method":"POST"})", R"({"deviceID":"8"})", "", ""), buffer);
+    std::string const parameters = std::string("{\"deviceID\":\"") + deviceID + "\"}";
+    std::string const text = Fetch(DeviceID(R"({"method":"POST"})", parameters.c_str(), "", ""), buffer);
     auto const start = text.find("\"value\":\"");
     if (start == std::string::npos) return std::string();
     return text.substr(start + 9, text.find('"', start + 9) - start - 9);
@@ -100,16 +106,17 @@ double ProcessCpuSeconds() {
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-// In a fresh child: set up, open one sensor per thread, warm up, then time
-// kRoundTrips round trips on each of `threads` threads.
-Times ChildRun(Logging logging, int threads, int count = kRoundTrips) {
+// In a fresh child: set up, open one sensor per thread (the first one the
+// `sensor`th of kDeviceIDs), warm up, then time kRoundTrips round trips on
+// each of `threads` threads.
+Times ChildRun(Logging logging, int threads, int sensor, int count = kRoundTrips) {
     setenv("HALVERN_EXPORTS_PATH", (logging == Logging::None ? ExportsWithoutLogger() : LibraryDir()).c_str(),
            1);
     setenv("LORVANT_LOG_FILE", LogFile().c_str(), 1);
     Setup();
     std::vector<std::string> ids;
     for (int t = 0; t < threads; ++t) {
-        ids.push_back(OpenSensor());
+        ids.push_back(OpenSensor(kDeviceIDs[(sensor + t) % 2]));
         if (ids.back().empty() || !RunRoundTrips(ids.back(), kWarmUp)) return Times();
     }
     double const cpuStart = ProcessCpuSeconds();
@@ -134,7 +141,7 @@ struct Child {
     int go;     // write end: the child starts timing when it reads a byte
 };
 
-Child Spawn(Logging logging, int threads) {
+Child Spawn(Logging logging, int threads, int sensor) {
     int result[2], go[2];
     if (pipe(result) != 0 || pipe(go) != 0) std::abort();
     pid_t const pid = fork();
@@ -142,7 +149,7 @@ Child Spawn(Logging logging, int threads) {
         close(result[0]);
         close(go[1]);
         char byte;
-        Times const times = read(go[0], &byte, 1) == 1 ? ChildRun(logging, threads) : Times();
+        Times const times = read(go[0], &byte, 1) == 1 ? ChildRun(logging, threads, sensor) : Times();
         if (write(result[1], &times, sizeof times) != sizeof times) _exit(1);
         _exit(0);
     }
@@ -173,7 +180,7 @@ void Measure(benchmark::State& state, Logging logging, int processes, int thread
         if (truncate(LogFile().c_str(), 0) != 0 && errno != ENOENT) std::perror("truncate");
         std::vector<Child> children;
         for (int p = 0; p < processes; ++p)
-            children.push_back(Spawn(logging, threads));
+            children.push_back(Spawn(logging, threads, p));
         for (Child const& child : children)
             if (write(child.go, "g", 1) != 1) std::abort();
         double slowest = 0;
@@ -223,7 +230,7 @@ BENCHMARK(TwoProcessesWithFileLogger)->UseManualTime()->Iterations(3)->Unit(benc
 // callgrind or perf: `valgrind --tool=callgrind build/bin/request_bench --profile`.
 int main(int argc, char** argv) {
     if (argc >= 2 && std::string(argv[1]) == "--profile")
-        return ChildRun(argc >= 3 ? Logging::File : Logging::None, 1, 20000).wall < 0 ? 1 : 0;
+        return ChildRun(argc >= 3 ? Logging::File : Logging::None, 1, 0, 20000).wall < 0 ? 1 : 0;
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -10,6 +10,8 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -38,17 +40,64 @@ char* put(char* out, char const* text, size_t length) {
     return out + length;
 }
 
-// The local time to the second, "YYYY-MM-DD hh:mm:ss", into out. No
-// thread_local cache: this library is opened at run time, and dynamic TLS in
-// it trips LeakSanitizer's scan of thread-local storage at exit.
-char* putSecondStamp(char* out, time_t seconds) {
+// The local time to the second, "YYYY-MM-DD hh:mm:ss", into out.
+void formatSecondStamp(char* out, time_t seconds) {
     tm local{};
     localtime_r(&seconds, &local);
     char text[32];
     if (std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local) != kSecondLength)
         std::snprintf(text, sizeof text, "%19s", "");
-    return put(out, text, kSecondLength);
+    std::memcpy(out, text, kSecondLength);
 }
+
+// The stamp of the latest second any thread formatted, so that a line costs
+// a copy instead of localtime_r and strftime (which also share a lock inside
+// the C library). A sequence lock over atomic words: a reader that meets a
+// writer, or another second, formats the stamp itself. Shared rather than
+// thread_local: this library is opened at run time, and dynamic TLS in it
+// trips LeakSanitizer's scan of thread-local storage at exit.
+class SecondStampCache {
+public:
+    void put(char* out, time_t seconds) {
+        uint32_t const before = sequence_.load(std::memory_order_acquire);
+        if ((before & 1u) == 0 && second_.load(std::memory_order_relaxed) == seconds) {
+            uint64_t words[kWords];
+            for (size_t i = 0; i < kWords; ++i)
+                words[i] = words_[i].load(std::memory_order_relaxed);
+            std::atomic_thread_fence(std::memory_order_acquire);
+            if (sequence_.load(std::memory_order_relaxed) == before) {
+                std::memcpy(out, words, kSecondLength);
+                return;
+            }
+        }
+        formatSecondStamp(out, seconds);
+        store(out, seconds);
+    }
+
+private:
+    static constexpr size_t kWords = (kSecondLength + 7) / 8;
+
+    // Publishes a stamp unless another thread is publishing one.
+    void store(char const* stamp, time_t seconds) {
+        uint32_t current = sequence_.load(std::memory_order_relaxed);
+        if ((current & 1u) != 0 ||
+            !sequence_.compare_exchange_strong(current, current + 1, std::memory_order_relaxed))
+            return;
+        std::atomic_thread_fence(std::memory_order_release);
+        uint64_t words[kWords] = {};
+        std::memcpy(words, stamp, kSecondLength);
+        second_.store(seconds, std::memory_order_relaxed);
+        for (size_t i = 0; i < kWords; ++i)
+            words_[i].store(words[i], std::memory_order_relaxed);
+        sequence_.store(current + 2, std::memory_order_release);
+    }
+
+    std::atomic<uint32_t> sequence_{0}; // odd while a stamp is being published
+    std::atomic<time_t> second_{-1};
+    std::atomic<uint64_t> words_[kWords] = {};
+};
+
+SecondStampCache secondStamps;
 
 // The decimal text of a level (snprintf costs more than the rest of the line).
 size_t decimal(char* out, int32_t value) {
@@ -101,7 +150,8 @@ void lorvant_log(void* logger, char const* name, int32_t level, char const* mess
     std::string longLine;
     char* const line = total <= sizeof shortLine ? shortLine : &(longLine = std::string(total, ' '))[0];
     char* out = line;
-    out = putSecondStamp(out, now.tv_sec);
+    secondStamps.put(out, now.tv_sec);
+    out += kSecondLength;
     long const ms = static_cast<long>(now.tv_usec / 1000);
     *out++ = '.';
     *out++ = static_cast<char>('0' + ms / 100);

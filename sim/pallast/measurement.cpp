@@ -74,7 +74,7 @@ DvError MDCalibrate(void* handle) {
 }
 
 DvError MDMeasureXYZ2(void* handle, colour* rawColour, colour* measured) {
-    sim::Call call("MDMeasureXYZ2");
+    sim::Call call("MDMeasureXYZ2", handle);
     call.handle(handle);
     DvError r;
     sim::Device* device = sim::sensorOrResult(call, handle, &r);
@@ -87,7 +87,7 @@ DvError MDMeasureXYZ2(void* handle, colour* rawColour, colour* measured) {
 
 #ifndef SIM_PALLAST_LEGACY
 DvError MDMeasureRaw(void* handle, MDMeasurementData* data) {
-    sim::Call call("MDMeasureRaw");
+    sim::Call call("MDMeasureRaw", handle);
     call.handle(handle);
     DvError r;
     sim::Device* device = sim::sensorOrResult(call, handle, &r);

@@ -36,7 +36,7 @@ int32_t SimLoadScenario(char const* json) {
         return -2;
     }
     sim::State& s = sim::state();
-    std::lock_guard<std::recursive_mutex> lock(s.mutex);
+    std::lock_guard<sim::WorldLock> lock(s.mutex);
     s.world = std::move(world);
     return 0;
 }
@@ -45,7 +45,7 @@ uint32_t SimGetWorld(char* buffer, uint32_t length) {
     sim::State& s = sim::state();
     std::string text;
     {
-        std::lock_guard<std::recursive_mutex> lock(s.mutex);
+        std::lock_guard<sim::WorldLock> lock(s.mutex);
         text = quilljson::Serializer::toText(sim::writeScenario(s.world));
     }
     return copyOut(text, buffer, length);
@@ -54,13 +54,13 @@ uint32_t SimGetWorld(char* buffer, uint32_t length) {
 void SimInjectResult(char const* function, int32_t code) {
     if (function == nullptr) return;
     sim::State& s = sim::state();
-    std::lock_guard<std::recursive_mutex> lock(s.mutex);
+    std::lock_guard<sim::WorldLock> lock(s.mutex);
     s.injections[function] = code;
 }
 
 void SimClearInjections(void) {
     sim::State& s = sim::state();
-    std::lock_guard<std::recursive_mutex> lock(s.mutex);
+    std::lock_guard<sim::WorldLock> lock(s.mutex);
     s.injections.clear();
 }
 
@@ -68,16 +68,20 @@ uint32_t SimGetJournal(char* buffer, uint32_t length) {
     sim::State& s = sim::state();
     std::string text;
     {
-        std::lock_guard<std::recursive_mutex> lock(s.mutex);
-        text = quilljson::Serializer::toText(s.journal.toJson());
+        std::lock_guard<sim::WorldLock> lock(s.mutex);
+        sim::Journal const* lanes[sizeof s.journal / sizeof s.journal[0]];
+        for (size_t i = 0; i < sizeof s.journal / sizeof s.journal[0]; ++i)
+            lanes[i] = &s.journal[i].journal;
+        text = quilljson::Serializer::toText(sim::Journal::toJson(lanes, sizeof lanes / sizeof lanes[0]));
     }
     return copyOut(text, buffer, length);
 }
 
 void SimClearJournal(void) {
     sim::State& s = sim::state();
-    std::lock_guard<std::recursive_mutex> lock(s.mutex);
-    s.journal.clear();
+    std::lock_guard<sim::WorldLock> lock(s.mutex);
+    for (auto& lane : s.journal)
+        lane.journal.clear();
 }
 
 } // extern "C"

@@ -1,5 +1,6 @@
 #include "world/journal.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "world/record_json.h"
@@ -212,13 +213,14 @@ SIM_PACK_RECORD(MDCSSG2CorrelationDataEx, kCSSG2Correlation)
 
 } // namespace pack
 
-void Journal::append(char const* function, std::string const& args) {
+void Journal::append(uint64_t sequence, char const* function, std::string const& args) {
     if (entries_.size() < kLimit) {
-        entries_.push_back(Entry{function, args});
+        entries_.push_back(Entry{sequence, function, args});
         return;
     }
     // Full: the oldest entry's buffers take the new call.
     Entry& entry = entries_[oldest_];
+    entry.sequence = sequence;
     entry.function.assign(function);
     entry.args.assign(args);
     oldest_ = (oldest_ + 1) % kLimit;
@@ -229,13 +231,19 @@ void Journal::clear() {
     oldest_ = 0;
 }
 
-Value Journal::toJson() const {
+Value Journal::toJson(Journal const* const* journals, size_t count) {
+    std::vector<Entry const*> calls;
+    for (size_t j = 0; j < count; ++j)
+        for (Entry const& entry : journals[j]->entries_)
+            calls.push_back(&entry);
+    std::sort(calls.begin(), calls.end(),
+              [](Entry const* a, Entry const* b) { return a->sequence < b->sequence; });
+    size_t const first = calls.size() > kLimit ? calls.size() - kLimit : 0;
     Value journal = Value::array();
-    for (size_t i = 0; i < entries_.size(); ++i) {
-        Entry const& entry = entries_[(oldest_ + i) % entries_.size()];
+    for (size_t i = first; i < calls.size(); ++i) {
         Value call = Value::object();
-        call["function"] = entry.function;
-        call["args"] = argsJson(entry.args);
+        call["function"] = calls[i]->function;
+        call["args"] = argsJson(calls[i]->args);
         journal.append(call);
     }
     return journal;

@@ -38,18 +38,22 @@ void record(std::string& args, MDIFSv3CorrelationData const& value);
 void record(std::string& args, MDCSSG2CorrelationDataEx const& value);
 } // namespace pack
 
+// The calls of one lane of the world (state.h); the journal as read merges
+// the lanes by the calls' sequence numbers.
 class Journal {
 public:
     static constexpr size_t kLimit = 10000; // the latest calls kept
 
     // Records a call; the oldest one goes once kLimit are kept.
-    void append(char const* function, std::string const& args);
+    void append(uint64_t sequence, char const* function, std::string const& args);
     void clear();
-    // [{"function": ..., "args": [...]}, ...], oldest first.
-    quilljson::Value toJson() const;
+    // [{"function": ..., "args": [...]}, ...] of the latest kLimit calls of
+    // all the journals, oldest first.
+    static quilljson::Value toJson(Journal const* const* journals, size_t count);
 
 private:
     struct Entry {
+        uint64_t sequence;
         std::string function;
         std::string args; // packed
     };

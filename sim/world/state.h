@@ -2,6 +2,7 @@
 // lives beside it across scenario loads (open handles, journal, injections).
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "quilljson/value.h"
 #include "world/journal.h"
 #include "world/model.h"
+#include "world/world_lock.h"
 
 namespace sim {
 
@@ -26,18 +28,31 @@ struct OpenSensor {
 };
 
 struct State {
-    std::recursive_mutex mutex;
+    WorldLock mutex;
     World world;
     std::map<uintptr_t, OpenSensor> handles;
     uintptr_t nextHandle = 0x5E000000;
-    Journal journal;
+    // The journal in lanes: one per reader slot of the world lock, for the
+    // reading calls counted there (two of them may run side by side: a lock
+    // each), and the last for the changing calls. The sequence orders the
+    // calls of all lanes; each lane on cache lines of its own.
+    struct alignas(64) JournalLane {
+        std::mutex mutex;
+        Journal journal;
+    };
+    static constexpr size_t kChangesLane = WorldLock::kReaderSlots;
+    JournalLane journal[WorldLock::kReaderSlots + 1];
+    struct alignas(64) Sequence {
+        std::atomic<uint64_t> next{0};
+    } journalSequence;
     // By function name; looked up with the caller's text, no string made.
     using Injections = std::map<std::string, int32_t, std::less<>>;
     Injections injections;
     std::set<std::string> interned;
 
-    // Argument buffers of the calls in progress, one per nesting level of the
-    // thread that holds the lock; kept, so a call allocates nothing once warm.
+    // Argument buffers of the changing calls in progress, one per nesting level
+    // of the thread that holds the lock; kept, so a call allocates nothing once
+    // warm. Reading calls, which may run side by side, pack into their own.
     std::vector<std::unique_ptr<std::string>> argumentBuffers;
     size_t callDepth = 0;
 };

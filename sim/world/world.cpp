@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "quilljson/parser.h"
+#include "tvl/threading/spin.h"
 #include "world/state.h"
 
 namespace sim {
@@ -112,12 +113,6 @@ std::string fieldText(char const* field, size_t size) {
 
 namespace {
 
-State& lockedState() {
-    State& s = state();
-    s.mutex.lock();
-    return s;
-}
-
 std::string& argumentBuffer(State& s) {
     if (s.callDepth == s.argumentBuffers.size()) s.argumentBuffers.push_back(std::make_unique<std::string>());
     std::string& buffer = *s.argumentBuffers[s.callDepth++];
@@ -125,16 +120,38 @@ std::string& argumentBuffer(State& s) {
     return buffer;
 }
 
+// Handles are spaced by 0x10 (Call::open): sensors opened one after another
+// land in different slots.
+size_t readerSlot(void const* sensor) {
+    return (reinterpret_cast<uintptr_t>(sensor) >> 4) % WorldLock::kReaderSlots;
+}
+
 } // namespace
 
 Call::Call(char const* function)
-    : state_(lockedState()), function_(function), args_(argumentBuffer(state_)) {}
+    : state_(state()), function_(function), slot_(0), shared_((state_.mutex.lock(), false)),
+      args_(argumentBuffer(state_)) {}
+
+Call::Call(char const* function, void const* sensor)
+    : state_(state()), function_(function), slot_(readerSlot(sensor)),
+      shared_(state_.mutex.lockShared(slot_)), args_(shared_ ? ownArgs_ : argumentBuffer(state_)) {}
 
 Call::~Call() {
-    try {
-        state_.journal.append(function_, args_);
-    } catch (...) {
-        // Out of memory: the call goes unrecorded rather than the lock held.
+    {
+        // Only reading calls counted in one slot share a lane.
+        State::JournalLane& lane = state_.journal[shared_ ? slot_ : State::kChangesLane];
+        if (!threading::spinTryLock([&lane] { return lane.mutex.try_lock(); })) lane.mutex.lock();
+        std::lock_guard<std::mutex> locked(lane.mutex, std::adopt_lock);
+        try {
+            lane.journal.append(state_.journalSequence.next.fetch_add(1, std::memory_order_relaxed),
+                                function_, args_);
+        } catch (...) {
+            // Out of memory: the call goes unrecorded rather than the lock held.
+        }
+    }
+    if (shared_) {
+        state_.mutex.unlockShared(slot_);
+        return;
     }
     --state_.callDepth;
     state_.mutex.unlock();

@@ -43,7 +43,12 @@ inline DvError result(int32_t value) {
 
 class SIM_API Call {
 public:
+    // A call that may change anything: it holds the world alone.
     explicit Call(char const* function);
+    // A call on a sensor handle that only reads: it changes nothing (handles,
+    // interned names and the world included) and makes no changing call, and
+    // shares the world with other reading calls.
+    Call(char const* function, void const* sensor);
     ~Call(); // appends the journal entry and releases the world
     Call(Call const&) = delete;
     Call& operator=(Call const&) = delete;
@@ -93,7 +98,10 @@ public:
 private:
     State& state_; // locked for the call's lifetime
     char const* function_;
-    std::string& args_; // packed input arguments (journal.h), in a buffer the world reuses
+    size_t slot_;         // the reader slot and journal lane of a reading call
+    bool shared_;         // holds the world lock shared, in slot_
+    std::string ownArgs_; // the packed arguments of a shared call
+    std::string& args_;   // packed input arguments (journal.h): ownArgs_, or a buffer the world reuses
 };
 
 // Helpers for fixed character fields.

@@ -19,15 +19,25 @@ struct BridgeResponse {
     std::string text;
 };
 
-// The promise counter and the responses, behind one lock. Never destroyed, so
-// a host thread still calling while the process exits finds it intact.
-// Host threads meet here on every request, so the lock is held only to link
-// and unlink map nodes: nodes are made, filled, read and freed outside it.
-struct ResponseStore {
+// The promise counter and the responses. Never destroyed, so a host thread
+// still calling while the process exits finds it intact.
+// Host threads meet here on every request: the responses are spread over
+// shards by id, each with its own lock on its own cache line, so that threads
+// working on different promises rarely take the same lock; a lock is held
+// only to link and unlink map nodes, which are made, filled, read and freed
+// outside it.
+struct ResponseShard {
     using Map = std::map<uint32_t, BridgeResponse>;
-    CriticalSection lock;
-    std::atomic<uint32_t> counter{0}; // wraps at 2^32 like the plain counter it stands for
+    alignas(64) CriticalSection lock;
     Map responses;
+};
+
+struct ResponseStore {
+    static constexpr uint32_t kShards = 16;
+    alignas(64) std::atomic<uint32_t> counter{0}; // wraps at 2^32 like the plain counter it stands for
+    ResponseShard shards[kShards];
+
+    ResponseShard& shard(uint32_t id) { return shards[id % kShards]; }
 };
 
 ResponseStore& store() {
@@ -191,10 +201,10 @@ uint32_t BridgeHelperCreatePromiseID() {
 }
 
 void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string text) {
-    ResponseStore& s = store();
-    ResponseStore::Map staging;
+    ResponseShard& s = store().shard(id);
+    ResponseShard::Map staging;
     staging.emplace(id, BridgeResponse{status, std::move(text)});
-    ResponseStore::Map::node_type node = staging.extract(staging.begin());
+    ResponseShard::Map::node_type node = staging.extract(staging.begin());
     {
         CriticalSectionLocker locker(&s.lock);
         auto const entry = s.responses.find(id);
@@ -207,8 +217,8 @@ void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string 
 
 uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length) {
     if (length == nullptr) return 500;
-    ResponseStore& s = store();
-    ResponseStore::Map::node_type node;
+    ResponseShard& s = store().shard(id);
+    ResponseShard::Map::node_type node;
     {
         CriticalSectionLocker locker(&s.lock);
         auto const entry = s.responses.find(id);

@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -37,31 +39,42 @@ TEST(GatewayConcurrent, ClientsInParallelAreAllAnsweredAsAlone) {
     EXPECT_EQ(0, wrong.load());
 }
 
-TEST(SensorQueuesConcurrent, OneSensorInArrivalOrderOthersFree) {
+TEST(SensorQueuesConcurrent, OneSensorInArrivalOrderOthersFreeFailuresToTheirOwnCaller) {
     sensorctl::gateway::SensorQueues queues;
-    std::vector<int> order;
-    std::mutex orderMutex;
+    std::promise<void> release;
+    std::shared_future<void> released = release.get_future().share();
+    std::vector<int> order; // only written in the sensor's turn
+    std::atomic<int> failedOwn{0};
     std::vector<std::thread> requests;
-    {
-        auto first = queues.wait("s");
-        for (int i = 1; i <= 5; ++i) {
-            requests.emplace_back([&, i] {
-                auto turn = queues.wait("s");
-                std::lock_guard<std::mutex> lock(orderMutex);
-                order.push_back(i);
-            });
-            // The next request arrives only once this one waits in line.
-            while (queues.pending("s") != static_cast<size_t>(i) + 1)
-                std::this_thread::yield();
-        }
-        // Another sensor is not held up by the line of "s".
-        auto other = queues.wait("t");
-        EXPECT_EQ(1u, queues.pending("t"));
-        EXPECT_TRUE(order.empty());
+    requests.emplace_back([&] { queues.run("s", [&] { released.wait(); }); });
+    while (queues.pending("s") != 1)
+        std::this_thread::yield();
+    for (int i = 1; i <= 5; ++i) {
+        requests.emplace_back([&, i] {
+            try {
+                // Run by whichever thread holds the line; a failure reaches this caller only.
+                queues.run("s", [&, i] {
+                    order.push_back(i);
+                    if (i == 3) throw std::runtime_error("three");
+                });
+            } catch (std::runtime_error const&) {
+                if (i == 3) ++failedOwn;
+            }
+        });
+        // The next request arrives only once this one waits in line.
+        while (queues.pending("s") != static_cast<size_t>(i) + 1)
+            std::this_thread::yield();
     }
+    // Another sensor is not held up by the line of "s".
+    bool otherRan = false;
+    queues.run("t", [&] { otherRan = queues.pending("t") == 1; });
+    EXPECT_TRUE(otherRan);
+    EXPECT_EQ(6u, queues.pending("s"));
+    release.set_value();
     for (std::thread& request : requests)
         request.join();
     EXPECT_EQ((std::vector<int>{1, 2, 3, 4, 5}), order);
+    EXPECT_EQ(1, failedOwn.load());
     EXPECT_EQ(0u, queues.pending("s"));
 }
 

@@ -62,13 +62,28 @@ TEST_F(Journal, InjectedResultReplacesTheWork) {
     EXPECT_EQ(Value(5), World()["devices"][0]["mode"]);
 }
 
-TEST_F(Journal, KeepsOnlyTheLatestCalls) {
+// Measurements of two sensors and other calls, recorded apart, read back in
+// the order they were made.
+TEST_F(Journal, KeepsOnlyTheLatestCallsInTheirOrder) {
+    void* sensors[2] = {nullptr, nullptr};
+    ASSERT_EQ(0, MDOpen(8, &sensors[0]).code);
+    ASSERT_EQ(0, MDOpen(11, &sensors[1]).code);
+    colour raw{}, measured{};
+    auto const call = [&](int i) {
+        if (i % 3 == 1)
+            MDGetNameFromDeviceID(static_cast<MDDeviceID>(i));
+        else
+            MDMeasureXYZ2(sensors[i % 3 / 2], &raw, &measured);
+    };
     for (int i = 0; i < 10005; ++i)
-        MDGetNameFromDeviceID(static_cast<MDDeviceID>(i));
+        call(i);
     Value const journal = ::simtest::Journal();
     ASSERT_EQ(10000u, journal.size());
-    EXPECT_EQ(Value(5), journal[0]["args"][0]);
-    EXPECT_EQ(Value(10004), journal[9999]["args"][0]);
+    for (int i = 5; i < 10005; i += 1666) {
+        Value const& entry = journal[static_cast<unsigned long>(i - 5)];
+        EXPECT_EQ(Value(i % 3 == 1 ? "MDGetNameFromDeviceID" : "MDMeasureXYZ2"), entry["function"]) << i;
+        EXPECT_EQ(i % 3 == 1 ? Value(i) : Handle(sensors[i % 3 / 2]), entry["args"][0]) << i;
+    }
 }
 
 TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
@@ -79,6 +94,8 @@ TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
             for (int i = 0; i < 200; ++i) {
                 void* handle = nullptr;
                 if (MDOpen(t % 2 == 0 ? 8 : 11, &handle).code == 0) opened[t].push_back(handle);
+                colour raw{}, measured{};
+                MDMeasureXYZ2(handle, &raw, &measured);
                 DvCtrlLockMonitor("LMN27A", "41A00017");
                 DvCtrlUnlockMonitor("41A00017", "LMN27A");
             }
@@ -89,7 +106,7 @@ TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
     for (auto const& handles : opened)
         unique.insert(handles.begin(), handles.end());
     EXPECT_EQ(800u, unique.size());
-    EXPECT_EQ(2400u, ::simtest::Journal().size());
+    EXPECT_EQ(3200u, ::simtest::Journal().size());
     EXPECT_EQ(Value(0), World()["monitors"][0]["lockCount"]);
 }
 

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <regex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -79,4 +80,52 @@ TEST(LogFile, ConcurrentWritersNeverSplitOrMixLines) {
     EXPECT_EQ(0, bad);
     for (int writer = 0; writer < kProcesses * kThreads; ++writer)
         EXPECT_EQ(kLines, linesOf[writer]) << "writer " << writer;
+}
+
+// Each line carries the local time of its call to the second, also when
+// threads log across the turn of a second.
+TEST(LogFile, ConcurrentLinesCarryTheSecondOfTheirCall) {
+    std::string const file = "/tmp/sim_log_stamp_test." + std::to_string(getpid());
+    pid_t const pid = fork();
+    if (pid == 0) {
+        setenv("LORVANT_LOG_FILE", file.c_str(), 1);
+        void* logger = lorvant_get_logger();
+        time_t const end = time(nullptr) + 2;
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 2; ++t)
+            threads.emplace_back([=] {
+                for (time_t before = time(nullptr); before < end; before = time(nullptr)) {
+                    lorvant_log(logger, "Mirel", 3, std::to_string(before).c_str());
+                    usleep(500);
+                }
+            });
+        for (auto& thread : threads)
+            thread.join();
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+
+    auto const stampOf = [](time_t seconds) {
+        tm local{};
+        localtime_r(&seconds, &local);
+        char text[32];
+        strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+        return std::string(text);
+    };
+    std::ifstream in(file);
+    std::set<std::string> seen;
+    int lines = 0, bad = 0;
+    for (std::string line; std::getline(in, line); ++lines) {
+        std::string const stamp = line.substr(0, 19);
+        time_t const before = std::stoll(line.substr(line.find(": ") + 2));
+        // Not an earlier second (a stale stamp); a later one only when the call itself was late.
+        if (stamp != stampOf(before) && stamp != stampOf(before + 1)) ++bad;
+        seen.insert(stamp);
+    }
+    unlink(file.c_str());
+    EXPECT_GT(lines, 100);
+    EXPECT_EQ(0, bad);
+    EXPECT_GE(seen.size(), 2u); // the turn of a second was crossed
 }

@@ -1,5 +1,7 @@
 #include "tvl/threading/mutex_posix.h"
 
+#include "tvl/threading/spin.h"
+
 namespace {
 
 void initRecursive(pthread_mutex_t* mutex) {
@@ -22,6 +24,7 @@ Mutex::~Mutex() {
     pthread_mutex_destroy(&mutex_);
 }
 int Mutex::lock() {
+    if (spinTryLock([this] { return pthread_mutex_trylock(&mutex_) == 0; })) return 0;
     return pthread_mutex_lock(&mutex_);
 }
 int Mutex::unlock() {
@@ -40,6 +43,7 @@ CriticalSection::~CriticalSection() {
     pthread_mutex_destroy(&mutex_);
 }
 void CriticalSection::lock() {
+    if (threading::spinTryLock([this] { return pthread_mutex_trylock(&mutex_) == 0; })) return;
     pthread_mutex_lock(&mutex_);
 }
 void CriticalSection::unlock() {

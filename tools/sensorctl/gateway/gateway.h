@@ -12,6 +12,7 @@
 #include "access_policy.h"
 #include "event_hub.h"
 #include "host_library.h"
+#include "http_server.h"
 #include "rate_limiter.h"
 #include "resource_forwarder.h"
 
@@ -56,7 +57,7 @@ private:
     EventHub events_;
     ResourceForwarder forwarder_;
     std::string description_; // /openapi.json
-    httplib::Server server_;
+    HttpServer server_;
     int port_ = 0;
     int listenSocket_ = -1;
 };

@@ -78,9 +78,24 @@ Answer ResourceForwarder::forward(Method method, RouteMatch const& match, std::v
                                                          "is closed.")};
     }
 
-    std::optional<SensorQueues::Turn> turn;
-    if (forSensor) turn.emplace(queues_.wait(sensor));
+    // Built before the sensor's turn, which only the library call needs.
+    CallTexts const texts = route.kind == RouteKind::Gateway
+                                ? CallTexts()
+                                : MakeCallTexts(method, match.parameters, query, request.body);
+    Answer answer;
+    std::function<void()> const inTurn = [&] {
+        answer = forwardInTurn(method, route, sensor, forSensor, presented, texts, request);
+    };
+    if (forSensor)
+        queues_.run(sensor, inTurn);
+    else
+        inTurn();
+    return answer;
+}
 
+Answer ResourceForwarder::forwardInTurn(Method method, Route const& route, std::string const& sensor,
+                                        bool forSensor, std::string const& presented, CallTexts const& texts,
+                                        httplib::Request const& request) {
     if (route.kind == RouteKind::Gateway)
         return leaseResource_.serve(method, sensor, request.body, presented);
 
@@ -96,8 +111,7 @@ Answer ResourceForwarder::forward(Method method, RouteMatch const& match, std::v
     if (endpoint == nullptr)
         return {404, ErrorEnvelope("FunctionNotFoundError",
                                    std::string(route.exportName) + " is not exported by the library.")};
-    Response const response =
-        library_.call(endpoint, MakeCallTexts(method, match.parameters, query, request.body));
+    Response response = library_.call(endpoint, texts);
     if (!response.stored)
         return {500, ErrorEnvelope("UnknownError", "The library stored no response for the request.")};
 
@@ -106,7 +120,7 @@ Answer ResourceForwarder::forward(Method method, RouteMatch const& match, std::v
         if (route.kind == RouteKind::Reading && events_.hasSubscribers())
             publishReading(sensor, request.path, response.text);
     }
-    return {static_cast<int>(response.status), response.text};
+    return {static_cast<int>(response.status), std::move(response.text)};
 }
 
 void ResourceForwarder::publishReading(std::string const& sensor, std::string const& path,

@@ -6,12 +6,14 @@
 
 #include <httplib.h>
 
+#include <string>
 #include <vector>
 
 #include "event_hub.h"
 #include "host_library.h"
 #include "lease_resource.h"
 #include "lease_table.h"
+#include "routes.h"
 #include "sensor_queues.h"
 
 namespace sensorctl::gateway {
@@ -25,6 +27,10 @@ public:
 private:
     Answer forward(Method method, RouteMatch const& match, std::vector<QueryItem> const& query,
                    httplib::Request const& request);
+    // The part that runs in the sensor's turn, on whichever thread holds its line.
+    Answer forwardInTurn(Method method, Route const& route, std::string const& sensor, bool forSensor,
+                         std::string const& presented, CallTexts const& texts,
+                         httplib::Request const& request);
     void publishReading(std::string const& sensor, std::string const& path, std::string const& text);
 
     HostLibrary& library_;

@@ -1,11 +1,20 @@
-// Requests for one sensor are served in the order they arrived: each waits
-// in the sensor's line until every earlier request of that sensor is done,
-// and only the next in line is woken. Requests for different sensors never
-// wait for each other.
+// Requests for one sensor are served in the order they arrived, one at a
+// time; requests for different sensors never wait for each other.
+//
+// A request whose sensor is idle runs on its own thread. Requests that arrive
+// meanwhile wait in the sensor's line, and the thread that holds the line
+// runs them too, in order, for a short while (unless its own request alone
+// took that long) before handing the line to the next waiting thread: waking
+// a thread for each request would leave the sensor idle for a scheduling
+// delay between requests, which is what bounds one sensor's throughput under
+// load.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <unordered_map>
@@ -14,43 +23,31 @@ namespace sensorctl::gateway {
 
 class SensorQueues {
 public:
-    // Held while the request runs; the next request of the sensor starts
-    // when it is destroyed.
-    class Turn {
-    public:
-        Turn(Turn&& other) noexcept : queues_(other.queues_), sensor_(std::move(other.sensor_)) {
-            other.queues_ = nullptr;
-        }
-        Turn(Turn const&) = delete;
-        Turn& operator=(Turn const&) = delete;
-        Turn& operator=(Turn&&) = delete;
-        ~Turn() {
-            if (queues_ != nullptr) queues_->done(sensor_);
-        }
-
-    private:
-        friend class SensorQueues;
-        Turn(SensorQueues* queues, std::string sensor) : queues_(queues), sensor_(std::move(sensor)) {}
-
-        SensorQueues* queues_;
-        std::string sensor_;
-    };
-
-    Turn wait(std::string const& sensor);
+    // Runs `work` once every earlier request of `sensor` is done, on this
+    // thread or on the one that holds the line, and returns when it has run.
+    // What `work` throws is thrown here.
+    void run(std::string const& sensor, std::function<void()> const& work);
 
     // Requests of the sensor running or waiting.
     size_t pending(std::string const& sensor);
 
 private:
-    struct Waiter {
+    struct Request {
+        explicit Request(std::function<void()> const& work) : work(work) {}
+        std::function<void()> const& work;
+        std::exception_ptr failure;
         std::condition_variable woken;
-        bool granted = false;
+        enum class State { Waiting, Done, HoldsLine } state = State::Waiting;
     };
     struct Line {
-        std::deque<Waiter*> waiting; // behind the request that runs, in arrival order
+        std::deque<Request*> waiting; // behind the request that runs, in arrival order
     };
 
-    void done(std::string const& sensor);
+    static void Execute(Request& request);
+    // Runs the requests waiting behind this thread's until `until`, then
+    // hands the line to the next waiting thread, or ends it.
+    void serveLine(std::string const& sensor, std::chrono::steady_clock::time_point until,
+                   std::unique_lock<std::mutex>& lock);
 
     std::mutex mutex_;
     std::unordered_map<std::string, Line> lines_; // a sensor has a line while one of its requests runs

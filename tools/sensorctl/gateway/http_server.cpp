@@ -1,0 +1,37 @@
+#include "http_server.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "connection_stream.h"
+
+namespace sensorctl::gateway {
+
+namespace {
+
+std::chrono::milliseconds Milliseconds(time_t seconds, time_t microseconds) {
+    return std::chrono::milliseconds(seconds * 1000 + microseconds / 1000);
+}
+
+} // namespace
+
+bool HttpServer::process_and_close_socket(socket_t socket) {
+    bool served = false;
+    {
+        ConnectionStream stream(socket, Milliseconds(read_timeout_sec_, read_timeout_usec_),
+                                Milliseconds(write_timeout_sec_, write_timeout_usec_), svr_sock_);
+        for (size_t left = keep_alive_max_count_; left > 0 && svr_sock_ != INVALID_SOCKET; --left) {
+            if (!stream.awaitRequest(std::chrono::seconds(keep_alive_timeout_sec_))) break;
+            bool closeRequested = false;
+            stream.beginRequest();
+            served = process_request(stream, left == 1, closeRequested, nullptr);
+            served = stream.flush() && served;
+            if (!served || closeRequested) break;
+        }
+    }
+    shutdown(socket, SHUT_RDWR);
+    close(socket);
+    return served;
+}
+
+} // namespace sensorctl::gateway
