@@ -8,7 +8,6 @@
 #include <new>
 #include <vector>
 
-#include "key_less.h"
 #include "number_text.h"
 
 namespace quilljson {
@@ -47,8 +46,26 @@ inline unsigned escapeMask(__m128i chunk) {
 }
 #endif
 
-// QUILLJSON_SHORT_STRING_LOAD (key_less.h): a std::string may be read 16
-// bytes at a time from data().
+// A std::string shorter than 16 bytes can be read 16 bytes at a time from
+// data(): libstdc++ (its C++11 string; the old reference-counted one keeps
+// short texts in blocks just their size) keeps such a text in a 16-byte
+// buffer inside the string object or in a heap block of at least 17 bytes,
+// and libc++'s short buffer is 23 bytes. The bytes past the text may be
+// unwritten, which only MemorySanitizer would object to; their bits are
+// masked off. AddressSanitizer with libc++ may mark the unused capacity of a
+// long string as unreadable, so that build goes byte by byte.
+#if defined(__SSE2__) && ((defined(__GLIBCXX__) && _GLIBCXX_USE_CXX11_ABI) || defined(_LIBCPP_VERSION))
+#if defined(__has_feature)
+#if __has_feature(memory_sanitizer) || (defined(_LIBCPP_VERSION) && __has_feature(address_sanitizer))
+#define QUILLJSON_SHORT_STRING_LOAD 0
+#endif
+#endif
+#ifndef QUILLJSON_SHORT_STRING_LOAD
+#define QUILLJSON_SHORT_STRING_LOAD 1
+#endif
+#else
+#define QUILLJSON_SHORT_STRING_LOAD 0
+#endif
 
 // The text is written through a raw cursor into a buffer kept per thread and
 // grown with realloc, then appended to the caller's string in one piece. A

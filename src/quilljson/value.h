@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "allocator.h"
-#include "key_less.h"
 
 namespace quilljson {
 
@@ -31,26 +30,24 @@ public:
     };
     static constexpr uint32_t kContainerMask = 0x70;
 
-    using ObjectType = std::map<std::string, Value, detail::KeyLess,
+    using ObjectType = std::map<std::string, Value, std::less<std::string>,
                                 detail::BlockAllocator<std::pair<std::string const, Value>>>;
     using ArrayType = std::vector<Value, detail::BlockAllocator<Value>>;
 
-    // The header of every container: one word, no virtual table. The value
-    // holding a container knows its kind, so it is deleted through its own
-    // type (see destroy()); small headers keep a parsed document compact, and
-    // its size is what a parse and a free of it mostly pay for.
+    // The header of every container. While the count is above 0 it counts
+    // the values sharing the container; once it is 0 and the container waits
+    // on the pending-deletion list (see destroy()), the same word links the
+    // next one, with bit 0 set when this one is an array: a parsed document
+    // is as compact as the header allows.
     struct AbstractContainer {
+        virtual ~AbstractContainer() = default;
         static void* operator new(size_t size) { return detail::allocateBlock(size); }
         static void operator delete(void* p) noexcept { detail::freeBlock(p); }
         union {
-            uint32_t count = 1; // values sharing the container
-            // Once the count is 0 and the container waits on the
-            // pending-deletion list (see destroy()): the next one's address,
-            // with bit 0 set when this one is an array.
+            uint32_t count = 1;
             uintptr_t nextDead;
         };
     };
-    static_assert(sizeof(AbstractContainer) == sizeof(uintptr_t), "a container header is one word");
     template <typename T> struct Container final : AbstractContainer {
         T data;
         Container() = default;
