@@ -2,40 +2,29 @@
 // simulated or the Linux set, by sensorctl --backend or, for any host, by the
 // loader's search path. Each run is a sensorctl process, which calls the
 // library's exports as a host does; no colord is reachable from it.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <algorithm>
+#include <cstdio>
 
-#include <cstdlib>
-#include <fstream>
-#include <string>
-#include <vector>
+#include "sensorctl_process.h"
 
 namespace {
 
 std::string const kLib = TEST_LIBRARY_DIR;
 std::string const kSuffix = SENSORCONTROL_LIBRARY_SUFFIX;
 
-struct Outcome {
-    int exitCode = -1;
-    std::vector<std::string> lines; // standard output, then (after "--") the log without time stamps
-};
-
-// `environment` and `arguments` are already quoted for the shell.
-Outcome Sensorctl(std::string const& environment, std::string const& arguments) {
-    std::string const base = ::testing::TempDir() + "choose_set_" + std::to_string(getpid());
-    std::remove((base + ".log").c_str());
-    int const status = std::system(
-        ("env DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent LORVANT_LOG_FILE=" + base + ".log " +
-         environment + " " + TEST_BINARY_DIR + "/sensorctl " + arguments + " > " + base + ".out 2>&1")
-            .c_str());
-    Outcome run;
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    std::ifstream out(base + ".out"), log(base + ".log");
-    for (std::string line; std::getline(out, line);)
+// Standard output and error, then (after "--") the log without time stamps.
+SensorctlRun Sensorctl(std::string const& environment, std::string const& arguments) {
+    std::string const log = ::testing::TempDir() + "choose_set_" + std::to_string(getpid()) + ".log";
+    std::remove(log.c_str());
+    SensorctlRun run =
+        RunSensorctl(arguments, "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent LORVANT_LOG_FILE=" + log +
+                                    " " + environment);
+    std::istringstream errors(run.errors);
+    std::ifstream in(log);
+    for (std::string line; std::getline(errors, line);)
         run.lines.push_back(line);
     run.lines.push_back("--");
-    for (std::string line; std::getline(log, line);)
+    for (std::string line; std::getline(in, line);)
         run.lines.push_back(line.substr(std::min<size_t>(24, line.size()))); // "YYYY-MM-DD hh:mm:ss.mmm "
     return run;
 }
@@ -61,7 +50,7 @@ TEST(ChooseSet, BackendLinuxOrTheLoaderSearchPathDriveTheLinuxSet) {
 }
 
 TEST(ChooseSet, BackendSimStillGivesTheDefaultWorld) {
-    Outcome const byDefault = Sensorctl("", kRequests);
+    SensorctlRun const byDefault = Sensorctl("", kRequests);
     ASSERT_EQ(5u, byDefault.lines.size());
     EXPECT_EQ(R"(200 {"error":null,"value":[{"deviceID":8,"individualID":"00000000a1b2c3d4"},)"
               R"({"deviceID":11,"individualID":"00000000a1b2c3e5"}]})",
@@ -69,7 +58,7 @@ TEST(ChooseSet, BackendSimStillGivesTheDefaultWorld) {
     EXPECT_EQ(0u, byDefault.lines[1].rfind(R"(200 {"error":null,"value":")", 0)) << byDefault.lines[1];
     EXPECT_EQ(byDefault.lines[3], kLinuxSet[3]);
     // The set named wins over the loader's search path.
-    Outcome const named = Sensorctl("LD_LIBRARY_PATH=" + kLib + "/linux", "--backend sim " + kRequests);
+    SensorctlRun const named = Sensorctl("LD_LIBRARY_PATH=" + kLib + "/linux", "--backend sim " + kRequests);
     EXPECT_EQ(byDefault.lines[0], named.lines.at(0));
 }
 
@@ -89,7 +78,7 @@ TEST(ChooseSet, FindsTheSetsOfAnInstalledTree) {
                       .lines.at(0)
                       .find(R"(200 {"error":null,"value":[{"deviceID":8,)"));
     ASSERT_EQ(0, std::system(("rm -r " + sets + "/linux").c_str()));
-    Outcome const missing = Sensorctl("", library + " --backend linux 'GET /Sensors'");
+    SensorctlRun const missing = Sensorctl("", library + " --backend linux 'GET /Sensors'");
     EXPECT_EQ(1, missing.exitCode);
     EXPECT_EQ("sensorctl: no linux device set beside " + library.substr(10), missing.lines.at(0));
     std::system(("rm -r " + std::string(folder)).c_str());

@@ -1,42 +1,7 @@
 // Runs the built sensorctl against the built library and the simulated world.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
+#include "sensorctl_process.h"
 
 namespace {
-
-struct Outcome {
-    int exitCode = -1;
-    std::vector<std::string> lines; // standard output
-    std::string errors;             // standard error
-};
-
-// Runs sensorctl with the arguments (already quoted for the shell) and, when
-// given, a script on standard input. Files are named by the test and the
-// process, so tests running side by side, from any build, keep them apart.
-Outcome Sensorctl(std::string const& arguments, std::string const& script = "") {
-    std::string const base = ::testing::TempDir() + "sensorctl_" + std::to_string(getpid()) + "_" +
-                             ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::ofstream(base + ".in") << script;
-    int const status = std::system((std::string(TEST_BINARY_DIR) + "/sensorctl " + arguments + " < " + base +
-                                    ".in > " + base + ".out 2> " + base + ".err")
-                                       .c_str());
-    Outcome run;
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    std::ifstream out(base + ".out");
-    for (std::string line; std::getline(out, line);)
-        run.lines.push_back(line);
-    std::ostringstream errors;
-    errors << std::ifstream(base + ".err").rdbuf();
-    run.errors = errors.str();
-    return run;
-}
 
 bool StartsWith(std::string const& text, std::string const& prefix) {
     return text.rfind(prefix, 0) == 0;
@@ -49,7 +14,7 @@ TEST(SensorctlRun, AScriptOpensASensorAndUsesItsIdInLaterRequests) {
                                "GET /Sensors/$spectro\n"
                                "GET /Sensors/$spectro?connection\n"
                                "GET /Sensors/no-such-sensor\n";
-    Outcome run = Sensorctl("-f -", script);
+    SensorctlRun run = RunSensorctl("-f -", "", script);
     EXPECT_EQ(0, run.exitCode) << run.errors; // error statuses fail the run only with --fail
     ASSERT_EQ(5u, run.lines.size()) << run.errors;
     EXPECT_TRUE(StartsWith(run.lines[0], R"(200 {"error":null,"value":[{"deviceID":8,)")) << run.lines[0];
@@ -58,30 +23,30 @@ TEST(SensorctlRun, AScriptOpensASensorAndUsesItsIdInLaterRequests) {
     EXPECT_NE(std::string::npos, run.lines[2].find(R"("name":"Lumetra Spectro 8")")) << run.lines[2];
     EXPECT_EQ(R"(200 {"error":null,"value":true})", run.lines[3]);
     EXPECT_EQ(R"(404 {"error":{"message":"Not found.","name":"Error"},"value":null})", run.lines[4]);
-    EXPECT_EQ(3, Sensorctl("--fail -f -", script).exitCode);
+    EXPECT_EQ(3, RunSensorctl("--fail -f -", "", script).exitCode);
 }
 
 TEST(SensorctlRun, RequestsThatCannotBeUnderstoodNeverReachTheLibrary) {
     // A library that cannot be loaded would exit 1: exit 2 shows it was never tried.
     for (char const* request : {"'GET /Sensors'  'GET /Sensor/x'", "'PATCH /Sensors'", "'GET /Sensors/$x'",
                                 "'POST /Sensors/8 -> spectro'", "'GET /Sensors?=1'"}) {
-        Outcome run = Sensorctl(std::string("--library /nonexistent/libsensorcontrol.so ") + request);
+        SensorctlRun run = RunSensorctl(std::string("--library /nonexistent/libsensorcontrol.so ") + request);
         EXPECT_EQ(2, run.exitCode) << request;
         EXPECT_TRUE(run.lines.empty()) << request;
         EXPECT_TRUE(StartsWith(run.errors, "sensorctl: argument ")) << run.errors;
     }
-    Outcome const unknown = Sensorctl("'GET /Sensors/x/Nope'");
+    SensorctlRun const unknown = RunSensorctl("'GET /Sensors/x/Nope'");
     EXPECT_EQ(2, unknown.exitCode);
     EXPECT_NE(std::string::npos, unknown.errors.find("no resource matches GET /Sensors/x/Nope"))
         << unknown.errors;
-    EXPECT_EQ(1, Sensorctl("--library /nonexistent/libsensorcontrol.so 'GET /Sensors'").exitCode);
-    Outcome const help = Sensorctl("--help");
+    EXPECT_EQ(1, RunSensorctl("--library /nonexistent/libsensorcontrol.so 'GET /Sensors'").exitCode);
+    SensorctlRun const help = RunSensorctl("--help");
     EXPECT_EQ(0, help.exitCode);
     EXPECT_GT(help.lines.size(), 34u); // the usage and the resource table
 }
 
 TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
-    Outcome run = Sensorctl("--journal 'POST /Sensors/8'");
+    SensorctlRun run = RunSensorctl("--journal 'POST /Sensors/8'");
     EXPECT_EQ(0, run.exitCode) << run.errors;
     ASSERT_EQ(2u, run.lines.size()) << run.errors;
     EXPECT_TRUE(StartsWith(run.lines[1], "journal [")) << run.lines[1];
@@ -89,7 +54,7 @@ TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
 }
 
 TEST(SensorctlRun, TheDemoWalksTheDefaultWorldWithoutAnErrorStatus) {
-    Outcome run = Sensorctl("demo");
+    SensorctlRun run = RunSensorctl("demo");
     EXPECT_EQ(0, run.exitCode) << run.errors;
     ASSERT_FALSE(run.lines.empty());
     size_t requests = 0;
