@@ -1,19 +1,17 @@
 // An older libpallast without the functions that are looked up by name. The
-// exports directory is read once per process, so the checks run in a child
-// process whose exports directory holds the legacy library beside the other
-// stand-ins.
+// exports directory is read once per process, so the checks run in a process
+// of their own (a death test) whose exports directory holds the legacy library
+// beside the other stand-ins.
 #include <dirent.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "host/sensor_test_util.h"
 
 namespace {
-
-char const* const kChildFlag = "SENSOR_LEGACY_CHILD";
 
 // A fresh folder with links to every stand-in, libpallast being the legacy one.
 std::string LegacyExportsFolder() {
@@ -33,33 +31,13 @@ std::string LegacyExportsFolder() {
     return folder;
 }
 
-TEST(SensorLegacyLibrary, RunsTheChecksWithTheLegacyLibrary) {
+// The description leaves the target marker out; calls by name answer 404.
+void CheckTheLegacyLibrary() {
     std::string const folder = LegacyExportsFolder();
     ASSERT_FALSE(folder.empty());
-    pid_t const pid = fork();
-    if (pid == 0) {
-        setenv("HALVERN_EXPORTS_PATH", folder.c_str(), 1);
-        setenv(kChildFlag, "1", 1);
-        execl("/proc/self/exe", "host_tests", "--gtest_filter=SensorLegacyChild.*",
-              static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    int status = 0;
-    ASSERT_EQ(pid, waitpid(pid, &status, 0));
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see the child's output above";
-    std::system(("rm -rf " + folder).c_str());
-}
-
-class SensorLegacyChild : public host::HostTest {
-protected:
-    void SetUp() override {
-        if (std::getenv(kChildFlag) == nullptr) GTEST_SKIP() << "runs in the child process only";
-        host::HostTest::SetUp();
-    }
-};
-
-// The description leaves the target marker out; calls by name answer 404.
-TEST_F(SensorLegacyChild, OlderLibraryLacksTheFunctionsLookedUpByName) {
+    setenv("HALVERN_EXPORTS_PATH", folder.c_str(), 1);
+    host::LoadScenarioFile("default.json");
+    ::Setup();
     std::string id = host::OpenByDeviceID(8);
     host::Response r = host::Call(::Sensor, "GET", host::IdParams(id));
     EXPECT_FALSE(r.value().contains("hasTargetMarker")) << r.text;
@@ -84,6 +62,18 @@ TEST_F(SensorLegacyChild, OlderLibraryLacksTheFunctionsLookedUpByName) {
         EXPECT_EQ("libpallast does not have a requested function.", r.errorMessage()) << r.text;
     }
     EXPECT_EQ(200u, host::Call(::SensorXYZ, "GET", host::IdParams(id)).status) << "linked functions work";
+    std::system(("rm -rf " + folder).c_str());
+}
+
+TEST(SensorLegacyLibrary, OlderLibraryLacksTheFunctionsLookedUpByName) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            CheckTheLegacyLibrary();
+            std::fflush(nullptr);
+            _exit(::testing::Test::HasFailure() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace

@@ -20,9 +20,9 @@ public:
 TEST(ResponseStore, FirstIdAfterLoadIsOneAndIdsFollow) {
     EXPECT_ISOLATED([] {
         Answer endpoint;
-        std::string failures = Mismatch("first id", 1u, Request(endpoint, "").id);
-        failures += Mismatch("second id", 2u, Request(endpoint, "").id);
-        return failures + Mismatch("created id", 3u, BridgeHelperCreatePromiseID());
+        EXPECT_EQ(1u, Request(endpoint, "").id);
+        EXPECT_EQ(2u, Request(endpoint, "").id);
+        EXPECT_EQ(3u, BridgeHelperCreatePromiseID());
     });
 }
 

@@ -1,16 +1,10 @@
 // Helpers of the request-framework tests.
-//
-// Runs a check in a fresh process: the test binary is started again for this
-// one test, so process-wide state (promise counter, singletons, settings read
-// once) starts from scratch. The check returns "" on success, else what failed.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <functional>
-#include <sstream>
 #include <string>
 
 #include "quilljson/parser.h"
@@ -35,26 +29,20 @@ template <typename T> void FillDoubles(T* record, double start, double step = 1.
         d[i] = start + step * static_cast<double>(i);
 }
 
-inline void RunIsolatedCheck(std::function<std::string()> const& check) {
-    std::string const failure = check();
-    if (!failure.empty()) std::fprintf(stderr, "%s\n", failure.c_str());
-    std::fflush(stderr);
-    _exit(failure.empty() ? 0 : 1);
-}
-
+// Runs the check (a function) in a fresh process (a death test: the test binary
+// started again for this one test), so that process-wide state (promise
+// counter, singletons, settings read once) starts from scratch.
 #define EXPECT_ISOLATED(...)                                                                                 \
     do {                                                                                                     \
         ::testing::GTEST_FLAG(death_test_style) = "threadsafe";                                              \
-        EXPECT_EXIT(RunIsolatedCheck(__VA_ARGS__), ::testing::ExitedWithCode(0), "");                        \
+        EXPECT_EXIT(                                                                                         \
+            {                                                                                                \
+                (__VA_ARGS__)();                                                                             \
+                std::fflush(nullptr);                                                                        \
+                _exit(::testing::Test::HasFailure() ? 1 : 0);                                                \
+            },                                                                                               \
+            ::testing::ExitedWithCode(0), "");                                                               \
     } while (false)
-
-// "expected X, got Y" when they differ.
-template <typename A, typename B> std::string Mismatch(char const* what, A const& expected, B const& actual) {
-    if (expected == actual) return "";
-    std::ostringstream s;
-    s << what << ": expected " << expected << ", got " << actual << "\n";
-    return s.str();
-}
 
 struct Fetched {
     uint32_t id = 0;
