@@ -1,8 +1,6 @@
 #include "host/host.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
@@ -47,29 +45,6 @@ std::string OpenMonitorSensor(std::string const& product, std::string const& ser
     return r.value().toString("");
 }
 
-namespace {
-std::string Fetch(uint32_t (*get)(char*, uint32_t)) {
-    uint32_t length = get(nullptr, 0);
-    std::string text(length, '\0');
-    get(&text[0], length);
-    return text.c_str();
-}
-} // namespace
-
-quilljson::Value Journal() {
-    quilljson::Value journal;
-    EXPECT_TRUE(quilljson::Parser().parse(&journal, Fetch(SimGetJournal)));
-    return journal;
-}
-
-std::vector<std::string> JournalFunctions() {
-    std::vector<std::string> names;
-    quilljson::Value const journal = Journal(); // kept: the loop reads into it
-    for (auto const& call : journal.arrayRef())
-        names.push_back(call["function"].toString(""));
-    return names;
-}
-
 size_t CallCount(std::string const& function) {
     auto const names = JournalFunctions();
     return static_cast<size_t>(std::count(names.begin(), names.end(), function));
@@ -86,22 +61,12 @@ void ClearJournal() {
     SimClearJournal();
 }
 
-quilljson::Value World() {
-    quilljson::Value world;
-    EXPECT_TRUE(quilljson::Parser().parse(&world, Fetch(SimGetWorld)));
-    return world;
-}
-
 void LoadScenario(std::string const& json) {
     ASSERT_EQ(0, SimLoadScenario(json.c_str())) << json;
 }
 
 void LoadScenarioFile(std::string const& name) {
-    std::ifstream file(std::string(TEST_SOURCE_DIR) + "/sim/scenarios/" + name);
-    ASSERT_TRUE(file.good()) << name;
-    std::stringstream text;
-    text << file.rdbuf();
-    LoadScenario(text.str());
+    LoadScenario(simworld::ScenarioText(name));
 }
 
 void HostTest::SetUp() {

@@ -9,7 +9,7 @@
 
 #include "quilljson/value.h"
 #include "sensorcontrol/sensorcontrol.h"
-#include "sensorsim.h"
+#include "sim_world.h"
 
 namespace quilljson {
 // Failure messages show values as JSON text.
@@ -44,16 +44,16 @@ std::string IdParams(std::string const& id);
 std::string OpenByDeviceID(uint32_t deviceID);
 std::string OpenMonitorSensor(std::string const& product, std::string const& serial);
 
-// The device-call journal of the simulator.
-quilljson::Value Journal();
-std::vector<std::string> JournalFunctions(); // function names in call order
+// The device-call journal of the simulator, and the world as scenario JSON.
+using simworld::Journal;
+using simworld::JournalFunctions;
+using simworld::World;
 size_t CallCount(std::string const& function);
 // The first journal entry of that function ({"function":..., "args": [...]}), or null.
 quilljson::Value FirstCall(std::string const& function);
 void ClearJournal();
 
-// The world as scenario JSON, and loading one from text or from sim/scenarios/<name>.
-quilljson::Value World();
+// Loads a world from text or from sim/scenarios/<name>.
 void LoadScenario(std::string const& json);
 void LoadScenarioFile(std::string const& name);
 

@@ -5,15 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <fstream>
-#include <sstream>
-#include <string>
-#include <vector>
 
-#include "quilljson/parser.h"
 #include "quilljson/serializer.h"
-#include "quilljson/value.h"
-#include "sensorsim.h"
+#include "sim_world.h"
 
 namespace simtest {
 
@@ -22,46 +16,7 @@ using quilljson::Value;
 constexpr int32_t kInvalidArgument = static_cast<int32_t>(0x80000001u);
 constexpr int32_t kNotRegistered = static_cast<int32_t>(0x80000005u);
 
-inline std::string ReadFile(std::string const& path) {
-    std::ifstream file(path);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-inline std::string ScenarioText(std::string const& name) {
-    return ReadFile(std::string(TEST_SOURCE_DIR) + "/sim/scenarios/" + name);
-}
-
-inline std::string Fetch(uint32_t (*get)(char*, uint32_t)) {
-    std::string text(get(nullptr, 0), '\0');
-    get(&text[0], static_cast<uint32_t>(text.size()));
-    return text.c_str();
-}
-
-inline Value Parse(std::string const& text) {
-    Value v;
-    EXPECT_TRUE(quilljson::Parser().parse(&v, text)) << text;
-    return v;
-}
-
-inline std::string WorldText() {
-    return Fetch(SimGetWorld);
-}
-inline Value World() {
-    return Parse(WorldText());
-}
-inline Value Journal() {
-    return Parse(Fetch(SimGetJournal));
-}
-
-inline std::vector<std::string> JournalFunctions() {
-    std::vector<std::string> names;
-    Value const journal = Journal(); // kept alive while its elements are read
-    for (auto const& call : journal.arrayRef())
-        names.push_back(call["function"].toString(""));
-    return names;
-}
+using namespace simworld;
 
 // The arguments of the last journal entry.
 inline Value LastArgs() {
