@@ -83,6 +83,11 @@ protected:
     host::Response put(host::Endpoint e, std::string const& body) {
         return host::Call(e, "PUT", host::IdParams(id), "", body);
     }
+    // Writes body, then reads back what was stored.
+    void putThenGet(host::Endpoint e, std::string const& body, Value const& stored) {
+        ExpectOK(put(e, body), Value());
+        ExpectOK(get(e), stored);
+    }
     std::string id;
 };
 
