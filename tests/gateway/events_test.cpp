@@ -52,11 +52,10 @@ private:
     bool stopping_ = false;
 };
 
-TEST(GatewayEvents, RequestsAndReadingsAreStreamed) {
-    GatewayServer server;
-    auto client = server.client();
+using GatewayEvents = GatewayTest;
+
+TEST_F(GatewayEvents, RequestsAndReadingsAreStreamed) {
     EXPECT_EQ(401, server.bareClient()->Get("/events")->status);
-    std::string const sensor = server.openSpectro();
     std::string const path = "/Sensors/" + sensor + "/XYZ";
 
     EventStream events(server);

@@ -119,6 +119,11 @@ std::string RawExchange(int port, std::string const& raw, int timeoutMs) {
     return answer;
 }
 
+std::string RawRequest(GatewayServer const& server, std::string const& head, std::string const& rest) {
+    return head + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+           "\r\nAuthorization: Bearer " + server.token() + "\r\nConnection: close\r\n" + rest;
+}
+
 std::string ValueOf(std::string const& text) {
     quilljson::Value parsed;
     if (!quilljson::Parser().parse(&parsed, text)) return "(not JSON) " + text;

@@ -2,6 +2,7 @@
 // process loaded, and the small HTTP helpers the gateway tests share.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <httplib.h>
 
 #include <memory>
@@ -50,5 +51,23 @@ std::string RawExchange(int port, std::string const& raw, int timeoutMs = 2000);
 
 // The "value" of a response text, as compact JSON.
 std::string ValueOf(std::string const& text);
+
+// The status of an answer, -1 when none came.
+inline int Status(httplib::Result const& result) {
+    return result ? result->status : -1;
+}
+
+// "METHOD /target" as raw HTTP/1.1 with the server's Host and token and
+// Connection: close, then `rest`: further headers, the blank line, the body.
+std::string RawRequest(GatewayServer const& server, std::string const& head,
+                       std::string const& rest = "\r\n");
+
+// A gateway with the default options, a client that sends the token, and device 8 open.
+class GatewayTest : public ::testing::Test {
+protected:
+    GatewayServer server;
+    std::unique_ptr<httplib::Client> client = server.client();
+    std::string const sensor = server.openSpectro();
+};
 
 } // namespace gatewaytest

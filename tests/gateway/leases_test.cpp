@@ -35,14 +35,9 @@ LeaseAnswer PutLease(httplib::Client& client, std::string const& sensor, std::st
     return answer;
 }
 
-int Status(httplib::Result const& result) {
-    return result ? result->status : -1;
-}
+using GatewayLeases = GatewayTest;
 
-TEST(GatewayLeases, OnlyTheHolderReachesALeasedSensor) {
-    GatewayServer server;
-    auto client = server.client();
-    std::string const sensor = server.openSpectro();
+TEST_F(GatewayLeases, OnlyTheHolderReachesALeasedSensor) {
     std::string const other = server.openSpectro();
     std::string const xyz = "/Sensors/" + sensor + "/XYZ";
 
@@ -85,11 +80,8 @@ TEST(GatewayLeases, OnlyTheHolderReachesALeasedSensor) {
     EXPECT_NE(std::string::npos, unknown.body.find("Not found.")) << unknown.body;
 }
 
-TEST(GatewayLeases, LeasesEndByThemselvesAndWithTheSensor) {
+TEST_F(GatewayLeases, LeasesEndByThemselvesAndWithTheSensor) {
     // A one-second lease, on the real clock.
-    GatewayServer server;
-    auto client = server.client();
-    std::string const sensor = server.openSpectro();
     std::string const xyz = "/Sensors/" + sensor + "/XYZ";
     LeaseAnswer const short_ = PutLease(*client, sensor, R"({"owner":"a","seconds":1})");
     ASSERT_EQ(200, short_.status);

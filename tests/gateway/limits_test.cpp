@@ -13,11 +13,6 @@
 namespace gatewaytest {
 namespace {
 
-std::string Get(GatewayServer const& server, std::string const& path) {
-    return "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
-           "\r\nAuthorization: Bearer " + server.token() + "\r\nConnection: close\r\n\r\n";
-}
-
 TEST(GatewayLimits, BodiesOverTheLimitAnswer413) {
     auto options = GatewayServer::Defaults();
     options.maxBodyBytes = 1000;
@@ -34,11 +29,9 @@ TEST(GatewayLimits, BodiesOverTheLimitAnswer413) {
         R"({"error":{"message":"The body is larger than 1000 bytes.","name":"PayloadTooLargeError"},"value":null})",
         over->body);
     // Sent in chunks, with no length to refuse up front.
-    std::string const chunked = "PUT " + path +
-                                " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
-                                "\r\nAuthorization: Bearer " + server.token() +
-                                "\r\nTransfer-Encoding: chunked\r\nConnection: close\r\n\r\n" + "7d0\r\n" +
-                                std::string(2000, ' ') + "\r\n0\r\n\r\n";
+    std::string const chunked =
+        RawRequest(server, "PUT " + path,
+                   "Transfer-Encoding: chunked\r\n\r\n7d0\r\n" + std::string(2000, ' ') + "\r\n0\r\n\r\n");
     EXPECT_EQ(0u, RawExchange(server.port(), chunked).find("HTTP/1.1 413"))
         << RawExchange(server.port(), chunked);
 }
@@ -78,7 +71,7 @@ TEST(GatewayLimits, ConnectionsOverTheLimitAnswer503) {
     // Two idle connections hold both places.
     int const first = ConnectLoopback(server.port());
     int const second = ConnectLoopback(server.port());
-    std::string const refused = RawExchange(server.port(), Get(server, "/Sensors"));
+    std::string const refused = RawExchange(server.port(), RawRequest(server, "GET /Sensors"));
     EXPECT_EQ(0u, refused.find("HTTP/1.1 503")) << refused;
     EXPECT_NE(std::string::npos, refused.find("\"name\":\"ServiceUnavailableError\"")) << refused;
     close(first);
@@ -87,7 +80,7 @@ TEST(GatewayLimits, ConnectionsOverTheLimitAnswer503) {
     std::string answer;
     for (int i = 0; i < 100 && answer.find("HTTP/1.1 200") != 0; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        answer = RawExchange(server.port(), Get(server, "/Sensors"));
+        answer = RawExchange(server.port(), RawRequest(server, "GET /Sensors"));
     }
     EXPECT_EQ(0u, answer.find("HTTP/1.1 200")) << answer;
 }

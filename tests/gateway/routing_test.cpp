@@ -1,8 +1,13 @@
 // Every resource of the route table through real HTTP: the answer is the
-// library's own, byte for byte, for the same four texts.
+// library's own, byte for byte, for the same four texts. The OpenAPI
+// description tells the same story: every row's methods are described, and
+// everything described is routed.
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "gateway_server.h"
+#include "openapi.h"
 #include "routes.h"
 
 namespace gatewaytest {
@@ -57,32 +62,23 @@ HttpRequest RequestFor(Route const& route, std::string const& sensor) {
     return request;
 }
 
-httplib::Result Send(httplib::Client& client, Method method, std::string const& target,
-                     std::string const& body) {
-    switch (method) {
-    case Method::Get:
-        return client.Get(target.c_str());
-    case Method::Post:
-        return client.Post(target.c_str(), body, "application/json");
-    case Method::Put:
-        return client.Put(target.c_str(), body, "application/json");
-    case Method::Delete:
-        return client.Delete(target.c_str(), body, "application/json");
-    }
-    return client.Get(target.c_str());
+httplib::Result Send(httplib::Client& client, Method method, std::string const& target) {
+    httplib::Request request;
+    request.method = MethodName(method);
+    request.path = target;
+    return client.send(request);
 }
 
-TEST(GatewayRouting, EveryResourceAnswersAsTheDirectExportCall) {
-    GatewayServer server;
-    auto client = server.client();
-    std::string const sensor = server.openSpectro();
+using GatewayRouting = GatewayTest;
+
+TEST_F(GatewayRouting, EveryResourceAnswersAsTheDirectExportCall) {
     ASSERT_FALSE(sensor.empty());
     size_t checked = 0;
     for (Route const& route : sensorctl::Routes()) {
         if (route.kind == RouteKind::Gateway) continue;
         HttpRequest const request = RequestFor(route, sensor);
         SCOPED_TRACE(std::string(MethodName(request.method)) + " " + request.target);
-        httplib::Result result = Send(*client, request.method, request.target, "");
+        httplib::Result result = Send(*client, request.method, request.target);
         ASSERT_TRUE(result);
         sensorctl::Response const direct = Library().call(
             route.exportName, MakeCallTexts(request.method, request.parameters, request.query, ""));
@@ -96,10 +92,7 @@ TEST(GatewayRouting, EveryResourceAnswersAsTheDirectExportCall) {
 
 // Bodies and statuses that differ from one resource to the next reach the
 // library unchanged, and its answers come back unchanged.
-TEST(GatewayRouting, BodiesAndErrorStatusesPassThrough) {
-    GatewayServer server;
-    auto client = server.client();
-    std::string const sensor = server.openSpectro();
+TEST_F(GatewayRouting, BodiesAndErrorStatusesPassThrough) {
     std::string const mode = "/Sensors/" + sensor + "/Mode";
 
     // Good, ill-typed and non-JSON bodies, each answered as the export answers it.
@@ -113,18 +106,17 @@ TEST(GatewayRouting, BodiesAndErrorStatusesPassThrough) {
     }
 
     struct Case {
-        Method method;
         std::string target;
         int status;
         char const* errorName;
     } const cases[] = {
-        {Method::Get, "/Sensors/" + sensor + "/Bogus", 404, "Error"}, // no resource: the gateway's
-        {Method::Get, "/sensors", 404, "Error"},
-        {Method::Get, "/Sensors?=x", 400, "BadRequestError"},
+        {"/Sensors/" + sensor + "/Bogus", 404, "Error"}, // no resource: the gateway's
+        {"/sensors", 404, "Error"},
+        {"/Sensors?=x", 400, "BadRequestError"},
     };
     for (Case const& c : cases) {
         SCOPED_TRACE(c.target);
-        httplib::Result result = Send(*client, c.method, c.target, "");
+        httplib::Result result = client->Get(c.target.c_str());
         ASSERT_TRUE(result);
         EXPECT_EQ(c.status, result->status);
         EXPECT_NE(std::string::npos, result->body.find(std::string("\"name\":\"") + c.errorName + "\""))
@@ -135,6 +127,58 @@ TEST(GatewayRouting, BodiesAndErrorStatusesPassThrough) {
     EXPECT_EQ(405, patch->status);
     EXPECT_EQ(R"({"error":{"message":"PATCH method is not allowed.","name":"MethodError"},"value":null})",
               patch->body);
+}
+
+using quilljson::Value;
+
+// "/Sensors/{id}/XYZ" -> "/Sensors/p/XYZ"
+std::string Instance(std::string pattern) {
+    for (size_t open; (open = pattern.find('{')) != std::string::npos;)
+        pattern.replace(open, pattern.find('}', open) - open + 1, "p");
+    return pattern;
+}
+
+TEST(GatewayOpenApi, DescribesExactlyWhatTheRouteTableServes) {
+    Value const document = sensorctl::gateway::OpenApi();
+    EXPECT_EQ("3.0.3", document["openapi"].toString(""));
+
+    // Every described operation is one that a row serves, described as the row says.
+    std::set<std::pair<sensorctl::Route const*, Method>> described;
+    for (auto const& [path, item] : document["paths"].objectRef()) {
+        for (auto const& [name, operation] : item.objectRef()) {
+            SCOPED_TRACE(name + " " + path);
+            Method method;
+            ASSERT_TRUE(sensorctl::ParseMethod(name, &method));
+            sensorctl::RouteMatch const match = sensorctl::MatchRoute(method, Instance(path), true);
+            ASSERT_NE(nullptr, match.route);
+            EXPECT_TRUE(match.route->served & match.route->methods & sensorctl::MaskOf(method));
+            EXPECT_TRUE(described.emplace(match.route, method).second) << "described twice";
+            EXPECT_EQ(match.route->summary, operation["summary"].toString(""));
+            // Path parameters as many as the pattern has; a body where the row reads one.
+            size_t pathParameters = 0;
+            for (Value const& parameter : operation["parameters"].arrayRef())
+                pathParameters += parameter["in"].toString("") == "path";
+            EXPECT_EQ(match.parameters.size(), pathParameters);
+            bool const takesBody = (method == Method::Put || method == Method::Post) && *match.route->body;
+            EXPECT_EQ(takesBody, operation.contains("requestBody"));
+            for (char const* status : {"200", "400", "401", "404", "413", "421", "429", "500", "503"})
+                EXPECT_TRUE(operation["responses"].contains(status)) << status;
+        }
+    }
+    // And every method a row serves is described.
+    size_t operations = 0;
+    for (sensorctl::Route const& route : sensorctl::Routes())
+        for (Method method : {Method::Get, Method::Post, Method::Put, Method::Delete})
+            if (route.served & route.methods & sensorctl::MaskOf(method)) {
+                ++operations;
+                EXPECT_TRUE(described.count({&route, method}))
+                    << sensorctl::MethodName(method) << " " << route.pattern;
+            }
+    EXPECT_EQ(operations, described.size());
+    // The envelope every answer uses.
+    Value const& envelope = document["components"]["schemas"]["Envelope"];
+    EXPECT_TRUE(envelope["properties"].contains("error"));
+    EXPECT_TRUE(envelope["properties"].contains("value"));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <regex>
 
@@ -20,21 +21,15 @@ namespace {
 TEST(GatewayServeCommand, PrintsTheConsoleAddressAndServesUntilStopped) {
     std::string const tokenFile = testing::TempDir() + "serve-token-" + std::to_string(getpid());
     std::remove(tokenFile.c_str());
-    int out[2];
-    ASSERT_EQ(0, pipe(out));
-    pid_t const child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        dup2(out[1], 1);
-        close(out[0]);
-        close(out[1]);
-        execl(TEST_BINARY_DIR "/sensorctl", "sensorctl", "serve", "--listen", "127.0.0.1:0", "--token-file",
-              tokenFile.c_str(), static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    close(out[1]);
-    FILE* printed = fdopen(out[0], "r");
+    // The shell prints its process id, then becomes sensorctl.
+    FILE* printed = popen(
+        ("echo $$; exec " TEST_BINARY_DIR "/sensorctl serve --listen 127.0.0.1:0 --token-file " + tokenFile)
+            .c_str(),
+        "r");
+    ASSERT_NE(nullptr, printed);
     char line[512] = {};
+    ASSERT_NE(nullptr, fgets(line, sizeof line, printed));
+    pid_t const child = std::atoi(line);
     ASSERT_NE(nullptr, fgets(line, sizeof line, printed)) << "sensorctl serve printed nothing";
 
     // The token file was made owner-only, and the printed token is its token.
@@ -57,11 +52,9 @@ TEST(GatewayServeCommand, PrintsTheConsoleAddressAndServesUntilStopped) {
     EXPECT_NE(std::string::npos, result->body.find("\"deviceID\":8")) << result->body;
 
     kill(child, SIGTERM);
-    int status = 0;
-    ASSERT_EQ(child, waitpid(child, &status, 0));
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     EXPECT_EQ(nullptr, fgets(line, sizeof line, printed)) << "printed more: " << line;
-    fclose(printed);
+    int const status = pclose(printed);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     std::remove(tokenFile.c_str());
 }
 
