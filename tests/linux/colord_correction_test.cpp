@@ -75,19 +75,18 @@ TEST_F(ColordCorrections, SelectedMatrixIsAppliedBesideTheRawReadingAndBadFilesA
     close(saved);
     close(file);
 
-    EXPECT_EQ(Json("3"), product->sensorCall("SensorExCorrection", id, "GET", "{\"count\":true}").value());
+    EXPECT_EQ(Json("3"), on(id, "SensorExCorrection", "GET", "{\"count\":true}").value());
     EXPECT_EQ(Json("[\"no correction\",\"Office panel\",\"Wide gamut panel\"]"),
-              product->sensorCall("SensorExCorrection", id, "GET", "{\"name\":true}").value());
+              on(id, "SensorExCorrection", "GET", "{\"name\":true}").value());
     std::string const log = Read(errors) + Read(colord->folder() + "/lorvant.log");
     for (char const* bad : {"c-garbage.ccmx", "d-two-rows.ccmx", "e-word.ccmx"})
         EXPECT_EQ(1u, Count(log, bad)) << bad << " in:\n" << log;
     EXPECT_EQ(0u, Count(log, "notes.txt")) << log;
 
-    ASSERT_EQ(200u, product->sensorCall("SensorExCorrection", id, "PUT", "", "2").status);
-    EXPECT_EQ(Json("2"), product->sensorCall("SensorExCorrection", id, "GET").value());
-    EXPECT_EQ(Json("0"), product->sensorCall("SensorExCorrection", again, "GET").value())
-        << "selected per handle";
-    Response r = product->sensorCall("SensorXYZ", id, "GET");
+    ASSERT_EQ(200u, on(id, "SensorExCorrection", "PUT", "", "2").status);
+    EXPECT_EQ(Json("2"), on(id, "SensorExCorrection").value());
+    EXPECT_EQ(Json("0"), on(again, "SensorExCorrection").value()) << "selected per handle";
+    Response r = on(id, "SensorXYZ");
     ASSERT_EQ(200u, r.status) << r.text;
     double const X = r.value()["rawXYZ"]["X"].getDouble(), Y = r.value()["rawXYZ"]["Y"].getDouble(),
                  Z = r.value()["rawXYZ"]["Z"].getDouble();
@@ -95,18 +94,16 @@ TEST_F(ColordCorrections, SelectedMatrixIsAppliedBesideTheRawReadingAndBadFilesA
     EXPECT_NEAR(0.005 * X + 0.98 * Y + 0.01 * Z, r.value()["XYZ"]["Y"].getDouble(), 1e-9) << r.text;
     EXPECT_NEAR(-0.002 * X + 0.02 * Y + 1.05 * Z, r.value()["XYZ"]["Z"].getDouble(), 1e-9) << r.text;
 
-    ExpectDvError(product->sensorCall("SensorExCorrection", id, "PUT", "", "3"), 0x8000000A,
-                  "Set correction index.");
-    ASSERT_EQ(200u, product->sensorCall("SensorExCorrection", id, "PUT", "", "0").status);
-    r = product->sensorCall("SensorXYZ", id, "GET");
+    ExpectDvError(on(id, "SensorExCorrection", "PUT", "", "3"), 0x8000000A, "Set correction index.");
+    ASSERT_EQ(200u, on(id, "SensorExCorrection", "PUT", "", "0").status);
+    r = on(id, "SensorXYZ");
     EXPECT_EQ(r.value()["rawXYZ"], r.value()["XYZ"]) << r.text;
 }
 
 TEST_F(ColordCorrections, WithoutTheFolderOnlyNoCorrectionIsListed) {
     setenv("SENSORCONTROL_CORRECTIONS_DIR", (folder + "/missing").c_str(), 1);
     std::string const id = openFirst();
-    EXPECT_EQ(Json("[\"no correction\"]"),
-              product->sensorCall("SensorExCorrection", id, "GET", "{\"name\":true}").value());
+    EXPECT_EQ(Json("[\"no correction\"]"), on(id, "SensorExCorrection", "GET", "{\"name\":true}").value());
 }
 
 } // namespace

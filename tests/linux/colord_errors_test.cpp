@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "colord_errors.h"
 #include "private_colord.h"
 
@@ -14,14 +12,6 @@ using pallast::CallSite;
 using pallast::codeForError;
 
 constexpr char const* kSensor = "org.freedesktop.ColorManager.Sensor";
-
-GDBusConnection* Connect() {
-    return g_dbus_connection_new_for_address_sync(
-        std::getenv("DBUS_SYSTEM_BUS_ADDRESS"),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-}
 
 // The code the library makes of colord's answer to one call (0 when it succeeds).
 int32_t CodeOf(GDBusConnection* c, char const* path, char const* method, GVariant* parameters,
@@ -48,10 +38,10 @@ int32_t LockCode(GDBusConnection* c, char const* path) {
 TEST(ColordErrors, ColordsRefusalsBecomeTheDocumentedCodes) {
     testing_colord::PrivateColord colord;
     ASSERT_EQ("", colord.failure());
-    GDBusConnection* first = Connect();
-    GDBusConnection* second = Connect();
+    GDBusConnection* first = testing_colord::ConnectBus();
+    GDBusConnection* second = testing_colord::ConnectBus();
     ASSERT_TRUE(first != nullptr && second != nullptr);
-    char const* path = "/org/freedesktop/ColorManager/sensors/dummy";
+    char const* path = testing_colord::kDummySensor;
 
     // A reading without the lock: "Invalid precondition."
     EXPECT_EQ(static_cast<int32_t>(0x80000015),

@@ -15,22 +15,22 @@ constexpr uint32_t kSensorConnection = 0x80010002;
 
 TEST_F(ColordTest, ColordStoppedMidwayAnswersAsClosedWithoutHangingAndComesBack) {
     std::string const id = openFirst();
-    ASSERT_EQ(200u, product->sensorCall("SensorXYZ", id, "GET").status);
+    ASSERT_EQ(200u, on(id, "SensorXYZ").status);
 
     colord->stopColord(); // the sensor leaves the bus with it, as when it is unplugged
-    ExpectDvError(product->sensorCall("SensorXYZ", id, "GET"), kNotRegistered, "Measure XYZ.");
-    EXPECT_EQ(Json("false"), product->sensorCall("Sensor", id, "GET", "{\"connection\":true}").value());
-    ExpectDvError(product->sensorCall("SensorMode", id, "PUT", "", "{\"mode\":0,\"observerKey\":0}"),
-                  kNotRegistered, "Set sensor mode.");
+    ExpectDvError(on(id, "SensorXYZ"), kNotRegistered, "Measure XYZ.");
+    EXPECT_EQ(Json("false"), on(id, "Sensor", "GET", R"({"connection":true})").value());
+    ExpectDvError(on(id, "SensorMode", "PUT", "", "{\"mode\":0,\"observerKey\":0}"), kNotRegistered,
+                  "Set sensor mode.");
     EXPECT_EQ(Json("[]"), product->call("Sensors", "GET", "", "{\"connected\":true}").value());
     ExpectDvError(product->call("DeviceID", "POST", "{\"deviceID\":\"2378360074\"}"), kSensorConnection,
                   "Open sensor.");
 
     ASSERT_TRUE(colord->startColord()) << colord->failure();
     // The old handle stays closed; the sensor opens afresh on the same connection.
-    ExpectDvError(product->sensorCall("SensorXYZ", id, "GET"), kNotRegistered, "Measure XYZ.");
+    ExpectDvError(on(id, "SensorXYZ"), kNotRegistered, "Measure XYZ.");
     std::string const reopened = openFirst();
-    EXPECT_EQ(200u, product->sensorCall("SensorXYZ", reopened, "GET").status);
+    EXPECT_EQ(200u, on(reopened, "SensorXYZ").status);
 }
 
 TEST(ColordAbsent, NoColordOnTheBusAndNoBusAtAllListNothingAndRefuseToOpen) {

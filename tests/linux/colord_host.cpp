@@ -33,28 +33,15 @@ Product::Product() {
     std::string const library = kLibraryDir + "/libsensorcontrol" SENSORCONTROL_LIBRARY_SUFFIX;
     std::string const set = sensorctl::FindDeviceSet(library, "linux");
     std::string error;
-    if (set.empty() || !sensorctl::PreloadDeviceSet(set, &error)) {
-        ADD_FAILURE() << "cannot load the Linux set beside " << library << ": " << error;
-        return;
-    }
-    product_ = dlopen(library.c_str(), RTLD_NOW);
-    if (product_ == nullptr) {
-        ADD_FAILURE() << "cannot load the product: " << dlerror();
+    if (set.empty() || !sensorctl::PreloadDeviceSet(set, &error) || !library_.load(library, &error)) {
+        ADD_FAILURE() << "cannot load the product on the Linux set beside " << library << ": " << error;
         return;
     }
     Dl_info info;
     if (dladdr(pallast("MDOpen"), &info) == 0 ||
         std::string(info.dli_fname).find("/linux/") == std::string::npos)
         ADD_FAILURE() << "the product is not linked to the Linux set's libpallast";
-    reinterpret_cast<void (*)()>(dlsym(product_, "Setup"))();
-}
-
-Product::~Product() {
-    if (product_ != nullptr) reinterpret_cast<void (*)()>(dlsym(product_, "TearDown"))();
-}
-
-Endpoint Product::endpoint(char const* name) const {
-    return product_ != nullptr ? reinterpret_cast<Endpoint>(dlsym(product_, name)) : nullptr;
+    library_.setup();
 }
 
 void* Product::pallast(char const* name) const {
@@ -64,20 +51,14 @@ void* Product::pallast(char const* name) const {
 Response Product::call(char const* name, std::string const& method, std::string const& params,
                        std::string const& query, std::string const& body) const {
     Response r;
-    Endpoint e = endpoint(name);
-    if (e == nullptr) {
+    if (!library_.hasExport(name)) {
         ADD_FAILURE() << "no export " << name;
         return r;
     }
-    auto fetch = reinterpret_cast<uint32_t (*)(uint32_t, char*, uint32_t*)>(
-        dlsym(product_, "BridgeHelperGetResponse"));
-    std::string const request = "{\"method\":\"" + method + "\"}";
-    uint32_t const id = e(request.c_str(), params.c_str(), query.c_str(), body.c_str());
-    uint32_t length = 0;
-    fetch(id, nullptr, &length);
-    std::string buffer(length, '\0');
-    r.status = fetch(id, &buffer[0], &length);
-    r.text = buffer.c_str();
+    sensorctl::Response const answer =
+        library_.call(name, {"{\"method\":\"" + method + "\"}", params, query, body});
+    r.status = answer.status;
+    r.text = answer.text;
     EXPECT_TRUE(quilljson::Parser().parse(&r.json, r.text)) << r.text;
     return r;
 }
@@ -87,42 +68,27 @@ Response Product::sensorCall(char const* name, std::string const& id, std::strin
     return call(name, method, "{\"id\":\"" + id + "\"}", query, body);
 }
 
-BusSensor FirstBusSensor() {
+BusSensor DummyBusSensor() {
     BusSensor s;
-    GDBusConnection* c = g_dbus_connection_new_for_address_sync(
-        std::getenv("DBUS_SYSTEM_BUS_ADDRESS"),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-    if (c == nullptr) return s;
-    GVariant* sensors = g_dbus_connection_call_sync(
-        c, "org.freedesktop.ColorManager", "/org/freedesktop/ColorManager", "org.freedesktop.ColorManager",
-        "GetSensors", nullptr, G_VARIANT_TYPE("(ao)"), G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
-    gchar const* path = nullptr;
-    if (sensors != nullptr) {
-        GVariant* paths = g_variant_get_child_value(sensors, 0);
-        if (g_variant_n_children(paths) > 0) g_variant_get_child(paths, 0, "&o", &path);
-        GVariant* all = path == nullptr
-                            ? nullptr
-                            : g_dbus_connection_call_sync(
-                                  c, "org.freedesktop.ColorManager", path, "org.freedesktop.DBus.Properties",
-                                  "GetAll", g_variant_new("(s)", "org.freedesktop.ColorManager.Sensor"),
-                                  G_VARIANT_TYPE("(a{sv})"), G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
-        if (all != nullptr) {
-            GVariant* props = g_variant_get_child_value(all, 0);
-            auto text = [&](char const* key) {
-                gchar const* v = nullptr;
-                return g_variant_lookup(props, key, "&s", &v) ? std::string(v) : std::string();
-            };
-            s = BusSensor{text("Kind"), text("Vendor"), text("Model"), text("Serial"), text("SensorId")};
-            g_variant_unref(props);
-            g_variant_unref(all);
-        }
-        g_variant_unref(paths);
-        g_variant_unref(sensors);
+    GDBusConnection* c = testing_colord::ConnectBus();
+    GVariant* all = c == nullptr
+                        ? nullptr
+                        : g_dbus_connection_call_sync(
+                              c, "org.freedesktop.ColorManager", testing_colord::kDummySensor,
+                              "org.freedesktop.DBus.Properties", "GetAll",
+                              g_variant_new("(s)", "org.freedesktop.ColorManager.Sensor"),
+                              G_VARIANT_TYPE("(a{sv})"), G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
+    if (all != nullptr) {
+        GVariant* props = g_variant_get_child_value(all, 0);
+        auto text = [&](char const* key) {
+            gchar const* v = nullptr;
+            return g_variant_lookup(props, key, "&s", &v) ? std::string(v) : std::string();
+        };
+        s = BusSensor{text("Kind"), text("Vendor"), text("Model"), text("Serial"), text("SensorId")};
+        g_variant_unref(props);
+        g_variant_unref(all);
     }
-    g_dbus_connection_close_sync(c, nullptr, nullptr);
-    g_object_unref(c);
+    if (c != nullptr) g_object_unref(c);
     return s;
 }
 

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "devices/pallast.h"
+#include "host_library.h"
 #include "private_colord.h"
 #include "quilljson/value.h"
 
@@ -23,7 +24,6 @@ void PrintTo(Value const& value, std::ostream* out);
 namespace colordtest {
 
 using quilljson::Value;
-using Endpoint = uint32_t (*)(char const*, char const*, char const*, char const*);
 
 struct Response {
     uint32_t status = 0;
@@ -39,8 +39,6 @@ Value Json(std::string const& text);
 class Product {
 public:
     Product();
-    ~Product();
-    Endpoint endpoint(char const* name) const;
     // Export called with {"method": method} and the texts, then the two-step fetch.
     Response call(char const* endpoint, std::string const& method, std::string const& params = "",
                   std::string const& query = "", std::string const& body = "") const;
@@ -51,14 +49,14 @@ public:
     void* pallast(char const* name) const;
 
 private:
-    void* product_ = nullptr;
+    mutable sensorctl::HostLibrary library_;
 };
 
-// colord's own view of its first sensor, read over the bus by the test itself.
+// colord's own view of its dummy sensor, read over the bus by the test itself.
 struct BusSensor {
     std::string kind, vendor, model, serial, sensorId;
 };
-BusSensor FirstBusSensor();
+BusSensor DummyBusSensor();
 
 // A private bus and colord, then the product; fails the test when either cannot start.
 class ColordTest : public ::testing::Test {
@@ -68,6 +66,11 @@ protected:
 
     // Opens colord's first sensor by the device id the listing reports.
     std::string openFirst();
+    // A request to the sensor: {"id": sensor} as path parameters.
+    Response on(std::string const& sensor, char const* endpoint, std::string const& method = "GET",
+                std::string const& query = "", std::string const& body = "") const {
+        return product->sensorCall(endpoint, sensor, method, query, body);
+    }
 
     std::unique_ptr<testing_colord::PrivateColord> colord;
     std::unique_ptr<Product> product;

@@ -15,7 +15,7 @@ std::string Hex16(uint64_t v) {
 }
 
 TEST_F(ColordTest, ListsOpensDescribesAndClosesWhatColordReports) {
-    BusSensor const bus = FirstBusSensor();
+    BusSensor const bus = DummyBusSensor();
     ASSERT_FALSE(bus.kind.empty());
 
     Response list = product->call("Sensors", "GET", "", "{\"connected\":true}");
@@ -45,21 +45,21 @@ TEST_F(ColordTest, ListsOpensDescribesAndClosesWhatColordReports) {
     std::string const id = byIndividual.value().toString("");
 
     // The dummy sensor has the display caps, ambient, printer and spot, and no spectral cap.
-    Response described = product->sensorCall("Sensor", id, "GET");
+    Response described = on(id, "Sensor");
     EXPECT_EQ(Json("{\"deviceID\":" + std::to_string(deviceID) + ",\"name\":\"" + name + "\",\"serial\":\"" +
                    bus.serial +
                    "\",\"needsCalibration\":false,\"supportsAmbient\":true,\"supportsReflectance\":true,"
                    "\"hasArm\":false,\"hasMultipleSensorPosition\":false,\"hasTargetMarker\":false}"),
               described.value())
         << described.text;
-    EXPECT_EQ(Json("true"), product->sensorCall("Sensor", id, "GET", "{\"connection\":true}").value());
+    EXPECT_EQ(Json("true"), on(id, "Sensor", "GET", R"({"connection":true})").value());
 
     // A second open of the same instrument is a handle of its own.
     std::string const second = openFirst();
     EXPECT_NE(id, second);
-    EXPECT_EQ(200u, product->sensorCall("Sensor", id, "DELETE").status);
-    EXPECT_EQ(404u, product->sensorCall("Sensor", id, "GET").status);
-    EXPECT_EQ(200u, product->sensorCall("SensorXYZ", second, "GET").status);
+    EXPECT_EQ(200u, on(id, "Sensor", "DELETE").status);
+    EXPECT_EQ(404u, on(id, "Sensor").status);
+    EXPECT_EQ(200u, on(second, "SensorXYZ").status);
 
     ExpectDvError(product->call("DeviceID", "POST", "{\"deviceID\":\"12345\"}"), 0x80010002, "Open sensor.");
 }
@@ -67,9 +67,9 @@ TEST_F(ColordTest, ListsOpensDescribesAndClosesWhatColordReports) {
 TEST_F(ColordTest, ModesPickTheCapColordReadsWith) {
     std::string const id = openFirst();
     EXPECT_EQ(Json("{\"ambient\":true,\"reflectance\":true}"),
-              product->sensorCall("SensorMode", id, "GET", "{\"supports\":true}").value());
+              on(id, "SensorMode", "GET", "{\"supports\":true}").value());
 
-    Response display = product->sensorCall("SensorXYZ", id, "GET");
+    Response display = on(id, "SensorXYZ");
     ASSERT_EQ(200u, display.status) << display.text;
     // Without a correction the measured colour is colord's reading as it comes.
     EXPECT_EQ(display.value()["rawXYZ"], display.value()["XYZ"]) << display.text;
@@ -77,35 +77,30 @@ TEST_F(ColordTest, ModesPickTheCapColordReadsWith) {
 
     for (int mode : {10, 1, 11, 12}) { // ambient, crt, printer, spot
         SCOPED_TRACE(mode);
-        Response set = product->sensorCall("SensorMode", id, "PUT", "",
-                                           "{\"mode\":" + std::to_string(mode) + ",\"observerKey\":0}");
+        Response set =
+            on(id, "SensorMode", "PUT", "", "{\"mode\":" + std::to_string(mode) + ",\"observerKey\":0}");
         EXPECT_EQ(200u, set.status) << set.text;
-        Response reading = product->sensorCall("SensorXYZ", id, "GET");
+        Response reading = on(id, "SensorXYZ");
         EXPECT_EQ(200u, reading.status) << reading.text;
     }
 
     // A cap the dummy lacks (led), a mode outside the table, an observer colord does not measure.
-    ExpectDvError(product->sensorCall("SensorMode", id, "PUT", "", "{\"mode\":3,\"observerKey\":0}"),
-                  kUnsupported, "Set sensor mode.");
-    ExpectDvError(product->sensorCall("SensorMode", id, "PUT", "", "{\"mode\":99,\"observerKey\":0}"),
-                  kUnsupported, "Set sensor mode.");
-    ExpectDvError(product->sensorCall("SensorMode", id, "PUT", "", "{\"mode\":0,\"observerKey\":1}"),
-                  kUnsupported, "Set sensor mode.");
+    for (char const* body :
+         {R"({"mode":3,"observerKey":0})", R"({"mode":99,"observerKey":0})", R"({"mode":0,"observerKey":1})"})
+        ExpectDvError(on(id, "SensorMode", "PUT", "", body), kUnsupported, "Set sensor mode.");
 }
 
 TEST_F(ColordTest, WhatColordHasNoNotionOfAnswersUnsupportedOrEmpty) {
     std::string const id = openFirst();
-    ExpectDvError(product->sensorCall("SensorArm", id, "PUT", "", "true"), kUnsupported, "Open sensor arm.");
-    ExpectDvError(product->sensorCall("SensorRawData", id, "GET"), kUnsupported, "Measure raw data.");
-    ExpectDvError(
-        product->sensorCall("SensorCorrection", id, "PUT", "", "{\"type\":\"paperWhite\",\"observerKey\":1}"),
-        kUnsupported, "Apply paper white correction.");
-    ExpectDvError(product->sensorCall("SensorPosition", id, "GET"), kUnsupported, "Get sensor position.");
+    ExpectDvError(on(id, "SensorArm", "PUT", "", "true"), kUnsupported, "Open sensor arm.");
+    ExpectDvError(on(id, "SensorRawData"), kUnsupported, "Measure raw data.");
+    ExpectDvError(on(id, "SensorCorrection", "PUT", "", "{\"type\":\"paperWhite\",\"observerKey\":1}"),
+                  kUnsupported, "Apply paper white correction.");
+    ExpectDvError(on(id, "SensorPosition"), kUnsupported, "Get sensor position.");
     // The dummy has no calibration caps: nothing to calibrate it with.
-    ExpectDvError(product->sensorCall("SensorCalibration", id, "PUT"), kUnsupported, "Calibrate sensor.");
-    EXPECT_EQ(Json("false"), product->sensorCall("SensorCalibration", id, "GET", "{\"needs\":true}").value());
-    EXPECT_EQ(Json("[]"),
-              product->sensorCall("SensorCorrelation", id, "GET", "{\"available\":true}").value());
+    ExpectDvError(on(id, "SensorCalibration", "PUT"), kUnsupported, "Calibrate sensor.");
+    EXPECT_EQ(Json("false"), on(id, "SensorCalibration", "GET", "{\"needs\":true}").value());
+    EXPECT_EQ(Json("[]"), on(id, "SensorCorrelation", "GET", "{\"available\":true}").value());
     ExpectDvError(product->call("PallastControlPanel", "PUT"), kUnsupported, "Open Pallast Control Panel.");
 }
 

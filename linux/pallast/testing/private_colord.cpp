@@ -69,6 +69,17 @@ int removeEntry(char const* path, struct stat const*, int, struct FTW*) {
 
 } // namespace
 
+GDBusConnection* ConnectBus(std::string const& address) {
+    char const* const system = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return g_dbus_connection_new_for_address_sync(
+        !address.empty()    ? address.c_str()
+        : system != nullptr ? system
+                            : "",
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, nullptr);
+}
+
 PrivateColord::PrivateColord() {
     char templ[] = "/tmp/sensorcontrol-colord-XXXXXX";
     if (mkdtemp(templ) == nullptr) {
@@ -193,12 +204,7 @@ bool PrivateColord::waitForSensor(int timeoutMs) {
                                             : "signal " + std::to_string(WTERMSIG(status));
             break;
         }
-        if (connection == nullptr)
-            connection = g_dbus_connection_new_for_address_sync(
-                busAddress().c_str(),
-                static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                  G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-                nullptr, nullptr, nullptr);
+        if (connection == nullptr) connection = ConnectBus(busAddress());
         GVariant* reply =
             connection == nullptr
                 ? nullptr
@@ -214,10 +220,7 @@ bool PrivateColord::waitForSensor(int timeoutMs) {
         }
         if (!up) std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    if (connection != nullptr) {
-        g_dbus_connection_close_sync(connection, nullptr, nullptr);
-        g_object_unref(connection);
-    }
+    if (connection != nullptr) g_object_unref(connection);
     return up;
 }
 

@@ -13,7 +13,16 @@
 
 #include <string>
 
+typedef struct _GDBusConnection GDBusConnection;
+
 namespace testing_colord {
+
+// The object path of colord's dummy sensor.
+constexpr char const* kDummySensor = "/org/freedesktop/ColorManager/sensors/dummy";
+
+// A connection to the bus at `address` (by default the one DBUS_SYSTEM_BUS_ADDRESS
+// names), or null; g_object_unref ends it.
+GDBusConnection* ConnectBus(std::string const& address = "");
 
 class PrivateColord {
 public:
