@@ -7,6 +7,7 @@
 
 #include "quilljson/parser.h"
 #include "quilljson/serializer.h"
+#include "recorder.h"
 
 using quilljson::ParseOption;
 using quilljson::Parser;
@@ -47,31 +48,6 @@ Value parsed(std::string const& text) {
     EXPECT_TRUE(parser.parse(&v, text)) << text << ": " << parser.error();
     return v;
 }
-
-// Writes every event as a short token.
-class Recorder : public quilljson::AbstractParseHandler {
-public:
-    std::string log;
-    int cancelAt = -1; // index of the event that returns false
-
-    bool onNull() override { return add("null"); }
-    bool onBool(bool b) override { return add(b ? "true" : "false"); }
-    bool onInteger(int64_t i) override { return add("i" + std::to_string(i)); }
-    bool onDouble(double d) override { return add("d" + Value(d).toString("")); }
-    bool onString(std::string const& s) override { return add("s:" + s); }
-    bool onArrayBegin() override { return add("["); }
-    bool onArrayEnd(uint64_t n) override { return add("]" + std::to_string(n)); }
-    bool onObjectBegin() override { return add("{"); }
-    bool onObjectKey(std::string const& k) override { return add("k:" + k); }
-    bool onObjectEnd(uint64_t n) override { return add("}" + std::to_string(n)); }
-
-private:
-    int events_ = 0;
-    bool add(std::string const& token) {
-        log += (log.empty() ? "" : " ") + token;
-        return events_++ != cancelAt;
-    }
-};
 
 } // namespace
 
