@@ -72,4 +72,10 @@ Fetched CallChecked(Endpoint endpoint, char const* request, char const* paramete
     return fetched;
 }
 
+std::string IdOf(Fetched const& opened) {
+    auto const start = opened.text.find("\"value\":\"");
+    if (opened.status != 200 || start == std::string::npos) return std::string();
+    return opened.text.substr(start + 9, opened.text.find('"', start + 9) - start - 9);
+}
+
 } // namespace fuzz

@@ -26,4 +26,7 @@ struct Fetched {
 Fetched CallChecked(Endpoint endpoint, char const* request, char const* parameters, char const* query,
                     char const* data);
 
+// The sensor id a successful open answered, else "".
+std::string IdOf(Fetched const& opened);
+
 } // namespace fuzz

@@ -16,22 +16,16 @@ namespace {
 
 char const* const kMethods[] = {"GET", "POST", "PUT", "DELETE"};
 
-std::string IdOf(fuzz::Fetched const& opened) {
-    auto const start = opened.text.find("\"value\":\"");
-    if (start == std::string::npos) return std::string();
-    return opened.text.substr(start + 9, opened.text.find('"', start + 9) - start - 9);
-}
-
 // Sensor ids, opened again when a request closed them.
 std::string const& SensorId(bool builtin) {
     static std::string ids[2];
     std::string& id = ids[builtin ? 1 : 0];
     void* handle = nullptr;
     if (id.empty() || !SensorControlGetHandleForID(id.c_str(), &handle)) {
-        id = builtin ? IdOf(fuzz::CallChecked(fuzz::FindExport("Monitors"), R"({"method":"POST"})",
-                                              R"({"product":"LMN27A","serial":"41A00017"})", "", ""))
-                     : IdOf(fuzz::CallChecked(fuzz::FindExport("DeviceID"), R"({"method":"POST"})",
-                                              R"({"deviceID":"8"})", "", ""));
+        id = builtin ? fuzz::IdOf(fuzz::CallChecked(fuzz::FindExport("Monitors"), R"({"method":"POST"})",
+                                                    R"({"product":"LMN27A","serial":"41A00017"})", "", ""))
+                     : fuzz::IdOf(fuzz::CallChecked(fuzz::FindExport("DeviceID"), R"({"method":"POST"})",
+                                                    R"({"deviceID":"8"})", "", ""));
     }
     return id;
 }

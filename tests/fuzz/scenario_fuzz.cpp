@@ -28,12 +28,6 @@ fuzz::Fetched Call(char const* name, char const* method, std::string const& para
     return fuzz::CallChecked(fuzz::FindExport(name), request.c_str(), parameters.c_str(), query, "");
 }
 
-std::string IdOf(fuzz::Fetched const& opened) {
-    auto const start = opened.text.find("\"value\":\"");
-    if (opened.status != 200 || start == std::string::npos) return std::string();
-    return opened.text.substr(start + 9, opened.text.find('"', start + 9) - start - 9);
-}
-
 // Reads from the sensor, then closes it.
 void Visit(std::string const& id) {
     if (id.empty()) return;
@@ -67,15 +61,15 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     size_t const devices = world["devices"].size(), monitors = world["monitors"].size();
     for (size_t i = 0; i < devices && i < 3; ++i) {
         quilljson::Value const& device = world["devices"][static_cast<unsigned long>(i)];
-        Visit(IdOf(Call("DeviceID", "POST",
-                        "{\"deviceID\":\"" + std::to_string(device["deviceID"].getInteger()) + "\"}")));
+        Visit(fuzz::IdOf(Call("DeviceID", "POST",
+                              "{\"deviceID\":\"" + std::to_string(device["deviceID"].getInteger()) + "\"}")));
     }
     for (size_t i = 0; i < monitors && i < 2; ++i) {
         quilljson::Value const& monitor = world["monitors"][static_cast<unsigned long>(i)];
         quilljson::Value params = quilljson::Value::object();
         params["product"] = monitor["product"];
         params["serial"] = monitor["serial"];
-        Visit(IdOf(Call("Monitors", "POST", quilljson::Serializer::toText(params))));
+        Visit(fuzz::IdOf(Call("Monitors", "POST", quilljson::Serializer::toText(params))));
     }
     return 0;
 }
