@@ -1,4 +1,7 @@
-// The journal of device calls and injected results.
+// The journal of device calls and injected results, also of the legacy
+// libpallast: same world, fewer functions.
+#include <dlfcn.h>
+
 #include <set>
 #include <thread>
 
@@ -108,6 +111,44 @@ TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
     EXPECT_EQ(800u, unique.size());
     EXPECT_EQ(3200u, ::simtest::Journal().size());
     EXPECT_EQ(Value(0), World()["monitors"][0]["lockCount"]);
+}
+
+class Legacy : public SimTest {};
+
+TEST_F(Legacy, SeesTheSensorsOpenedThroughTheLinkedLibrary) {
+    std::string const path =
+        std::string(TEST_LIBRARY_DIR) + "/legacy/libpallast" + SENSORCONTROL_LIBRARY_SUFFIX;
+    void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(nullptr, library) << dlerror();
+    auto getName = reinterpret_cast<char const* (*)(void*)>(dlsym(library, "MDGetName"));
+    auto close = reinterpret_cast<DvError (*)(void**)>(dlsym(library, "MDClose"));
+    ASSERT_NE(nullptr, getName);
+    ASSERT_NE(nullptr, close);
+    EXPECT_NE(reinterpret_cast<void*>(getName), reinterpret_cast<void*>(&MDGetName)); // really another copy
+
+    void* handle = nullptr;
+    ASSERT_EQ(0, MDOpen(8, &handle).code);
+    EXPECT_STREQ("Lumetra Spectro 8", getName(handle));
+    void* const opened = handle;
+    ASSERT_EQ(0, close(&handle).code);
+    EXPECT_EQ(kNotRegistered, MDCalibrate(opened).code); // closed for the linked library too
+
+    for (char const* name :
+         {"MDHasTargetMarker", "MDHasExteriorLight", "MDGetExteriorLightingState",
+          "MDSetExteriorLightingState", "MDGetTargetMarker", "MDSetTargetMarker", "MDCalcIFSTempCorrectParam",
+          "MDGetIFSBrightCorrectParamUpdateEnabled", "MDSetIFSBrightCorrectParamUpdateEnabled",
+          "MDGetDeviceOptionValue", "MDSetDeviceOptionValue", "MDGetParameterDescription",
+          "MDSetParameterDescription", "MDMeasureRaw", "MDEnumCorrelationMatrix", "MDApplyCorrelationMatrix",
+          "MDReleaseCorrelationMatrix"}) {
+        EXPECT_EQ(nullptr, dlsym(library, name)) << name;
+        EXPECT_NE(nullptr, dlsym(RTLD_DEFAULT, name)) << name;
+    }
+    EXPECT_NE(nullptr, dlsym(library, "MDMeasureXYZ2"));
+    dlclose(library);
+    // The journal, written partly by the unloaded library, is still readable.
+    std::vector<std::string> const calls = JournalFunctions();
+    ASSERT_EQ(4u, calls.size()) << Fetch(SimGetJournal);
+    EXPECT_EQ("MDClose", calls[2]);
 }
 
 } // namespace

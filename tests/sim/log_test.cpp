@@ -24,20 +24,18 @@ std::string Message(int writer, int i) {
 
 constexpr int kProcesses = 2, kThreads = 2, kLines = 300;
 
-// Two processes of two threads each log at once into one file.
-void WriteFromChildren(std::string const& file) {
+// Runs write(logger, writer) on kThreads threads in each of `processes` child
+// processes, all logging into `file`; writers are numbered across processes.
+template <typename Write> void LogFromChildren(std::string const& file, int processes, Write write) {
     std::vector<pid_t> children;
-    for (int p = 0; p < kProcesses; ++p) {
+    for (int p = 0; p < processes; ++p) {
         pid_t const pid = fork();
         if (pid == 0) {
             setenv("LORVANT_LOG_FILE", file.c_str(), 1);
             void* logger = lorvant_get_logger();
             std::vector<std::thread> threads;
             for (int t = 0; t < kThreads; ++t)
-                threads.emplace_back([=] {
-                    for (int i = 0; i < kLines; ++i)
-                        lorvant_log(logger, "Mirel", 2 + t, Message(p * kThreads + t, i).c_str());
-                });
+                threads.emplace_back([=] { write(logger, p * kThreads + t); });
             for (auto& thread : threads)
                 thread.join();
             _exit(0);
@@ -55,7 +53,10 @@ void WriteFromChildren(std::string const& file) {
 
 TEST(LogFile, ConcurrentWritersNeverSplitOrMixLines) {
     std::string const file = "/tmp/sim_log_test." + std::to_string(getpid());
-    WriteFromChildren(file);
+    LogFromChildren(file, kProcesses, [](void* logger, int writer) {
+        for (int i = 0; i < kLines; ++i)
+            lorvant_log(logger, "Mirel", 2 + writer % kThreads, Message(writer, i).c_str());
+    });
     std::ifstream in(file);
     std::regex const head(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[Mirel\] level (\d+): w(\d+) )");
     std::map<int, int> linesOf; // writer -> lines seen
@@ -86,26 +87,13 @@ TEST(LogFile, ConcurrentWritersNeverSplitOrMixLines) {
 // threads log across the turn of a second.
 TEST(LogFile, ConcurrentLinesCarryTheSecondOfTheirCall) {
     std::string const file = "/tmp/sim_log_stamp_test." + std::to_string(getpid());
-    pid_t const pid = fork();
-    if (pid == 0) {
-        setenv("LORVANT_LOG_FILE", file.c_str(), 1);
-        void* logger = lorvant_get_logger();
-        time_t const end = time(nullptr) + 2;
-        std::vector<std::thread> threads;
-        for (int t = 0; t < 2; ++t)
-            threads.emplace_back([=] {
-                for (time_t before = time(nullptr); before < end; before = time(nullptr)) {
-                    lorvant_log(logger, "Mirel", 3, std::to_string(before).c_str());
-                    usleep(500);
-                }
-            });
-        for (auto& thread : threads)
-            thread.join();
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    time_t const end = time(nullptr) + 2;
+    LogFromChildren(file, 1, [end](void* logger, int) {
+        for (time_t before = time(nullptr); before < end; before = time(nullptr)) {
+            lorvant_log(logger, "Mirel", 3, std::to_string(before).c_str());
+            usleep(500);
+        }
+    });
 
     auto const stampOf = [](time_t seconds) {
         tm local{};
