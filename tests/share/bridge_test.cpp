@@ -6,7 +6,6 @@
 
 #include "share/bridge.h"
 #include "share/error_check.h"
-#include "small_stack.h"
 #include "support.h"
 
 using quilljson::Value;
@@ -187,37 +186,4 @@ TEST(Bridge, EscapesFromTheFrameworkStillGetAnAnswer) {
             EXPECT_EQ(length, 7u);
         }
     }
-}
-
-namespace {
-
-// Posts the text as parameters, query and data on a host-sized stack; the
-// answer echoes the data.
-Fetched PostOnSmallStack(std::string const& text) {
-    Fetched f;
-    RunOnSmallStack([&] {
-        Scripted endpoint;
-        endpoint.post = [](BridgeData const& d) { return BridgeResultOK(d.data); };
-        f = Request(endpoint, R"({"method":"post"})", text.c_str(), text.c_str(), text.c_str());
-    });
-    return f;
-}
-
-} // namespace
-
-TEST(Bridge, DeepAndHugeTextsOnASmallStack) {
-    size_t const depth = 1000000;
-    std::string const nested = std::string(depth, '[') + std::string(depth, ']');
-    Fetched f = PostOnSmallStack(nested);
-    EXPECT_EQ(f.status, 200u);
-    EXPECT_TRUE(f.text == R"({"error":null,"value":)" + nested + "}");
-
-    std::string const unclosed = std::string(depth, '[') + "{\"a\":";
-    f = PostOnSmallStack(unclosed);
-    EXPECT_EQ(f.status, 200u);
-    EXPECT_TRUE(f.text == R"({"error":null,"value":")" + unclosed.substr(0, depth) + "{\\\"a\\\":\"}");
-
-    std::string const huge = "\"" + std::string(8 << 20, 'x') + "\"";
-    f = PostOnSmallStack(huge);
-    EXPECT_TRUE(f.text == R"({"error":null,"value":)" + huge + "}");
 }
