@@ -1,18 +1,50 @@
-// libtorvik of the Linux set against this machine's USB bus as sysfs shows it.
-// (A bus built in a scratch folder cannot stand in: libudev refuses devices
-// that are not on a real sysfs.)
+// The Linux set's libraries, opened from their folder as the product opens
+// them; libtorvik against this machine's USB bus as sysfs shows it. (A bus
+// built in a scratch folder cannot stand in: libudev refuses devices that are
+// not on a real sysfs.)
 #include <dirent.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "devices/torvik.h"
 
 namespace {
+
+void* Open(std::string const& word) {
+    return dlopen((std::string(TEST_LIBRARY_DIR) + "/linux/" + word + SENSORCONTROL_LIBRARY_SUFFIX).c_str(),
+                  RTLD_NOW | RTLD_LOCAL);
+}
+
+// A function the product looks up and does not find ends its request with 404
+// "FunctionNotFoundError", which would hide what the set really answers.
+TEST(LinuxSetLibraries, ExportEveryFunctionTheirHeaderDeclares) {
+    for (auto const& [word, header] : {std::pair{"libhalvern", "halvern.h"},
+                                       {"liblorvant2", "lorvant.h"},
+                                       {"libdvc", "dvc.h"},
+                                       {"libquorSensor", "quorsensor.h"},
+                                       {"libcorvane", "corvane.h"},
+                                       {"libtorvik", "torvik.h"}}) {
+        void* library = Open(word);
+        ASSERT_NE(nullptr, library) << dlerror();
+        std::stringstream text;
+        text << std::ifstream(std::string(TEST_SOURCE_DIR) + "/include/devices/" + header).rdbuf();
+        std::string const source = text.str();
+        std::regex const declaration(R"(DEVICE_API\s+[^;(]*?\b(\w+)\s*\()");
+        int declared = 0;
+        for (std::sregex_iterator it(source.begin(), source.end(), declaration), end; it != end;
+             ++it, ++declared)
+            EXPECT_NE(nullptr, dlsym(library, (*it)[1].str().c_str())) << word << " lacks " << (*it)[1];
+        EXPECT_GT(declared, 1) << header;
+        dlclose(library);
+    }
+}
 
 // Whole devices ("1-1.2", "usb1"), not interfaces ("1-1.2:1.0"): the product
 // string, else "vendor:product" ids. None on a machine without a USB bus.
@@ -37,9 +69,7 @@ std::vector<std::string> NamesSysfsShows() {
 // The product reads a device's name after asking for later ones, while
 // another host thread may take and drop a snapshot of its own.
 TEST(UsbSnapshot, NamesTheDevicesSysfsShowsAndStaysValidWhileEnumerated) {
-    void* torvik =
-        dlopen((std::string(TEST_LIBRARY_DIR) + "/linux/libtorvik" SENSORCONTROL_LIBRARY_SUFFIX).c_str(),
-               RTLD_NOW | RTLD_LOCAL);
+    void* torvik = Open("libtorvik");
     ASSERT_NE(nullptr, torvik) << dlerror();
     auto create =
         reinterpret_cast<decltype(&TvkCreateUSBDeviceSnapshot)>(dlsym(torvik, "TvkCreateUSBDeviceSnapshot"));
