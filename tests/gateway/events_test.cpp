@@ -77,7 +77,7 @@ TEST_F(GatewayEvents, RequestsAndReadingsAreStreamed) {
     EXPECT_EQ(std::string::npos, text.find("\"sensor\":\"no-such-sensor\"")) << text;
 }
 
-TEST(GatewayEvents, ASubscriberThatFallsBehindLosesEventsAndIsTold) {
+TEST(EventHub, ASubscriberThatFallsBehindLosesEventsAndIsTold) {
     sensorctl::gateway::EventHub hub(3);
     auto subscriber = hub.subscribe();
     EXPECT_TRUE(hub.hasSubscribers());
