@@ -5,7 +5,6 @@
 #include <dirent.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -62,6 +61,7 @@ void CheckTheLegacyLibrary() {
         EXPECT_EQ("libpallast does not have a requested function.", r.errorMessage()) << r.text;
     }
     EXPECT_EQ(200u, host::Call(::SensorXYZ, "GET", host::IdParams(id)).status) << "linked functions work";
+    ::TearDown();
     std::system(("rm -rf " + folder).c_str());
 }
 
@@ -70,8 +70,7 @@ TEST(SensorLegacyLibrary, OlderLibraryLacksTheFunctionsLookedUpByName) {
     EXPECT_EXIT(
         {
             CheckTheLegacyLibrary();
-            std::fflush(nullptr);
-            _exit(::testing::Test::HasFailure() ? 1 : 0);
+            std::exit(::testing::Test::HasFailure() ? 1 : 0);
         },
         ::testing::ExitedWithCode(0), "");
 }

@@ -1,8 +1,6 @@
 // The world a process starts with: the built-in default, or the file named by
 // SENSORSIM_SCENARIO. Each case runs in a process of its own (a death test)
 // that sets the variable before its first use of the simulator.
-#include <unistd.h>
-
 #include <cstdlib>
 
 #include "sim_test_util.h"
@@ -29,7 +27,7 @@ TEST(Startup, TheNamedScenarioFileOrElseTheDefaultIsTheWorld) {
                 SimClearJournal();
                 bool const same = started == WorldText() && SimLoadScenario(expected.c_str()) == 0 &&
                                   WorldText() == started;
-                _exit(same ? 0 : 1);
+                std::exit(same ? 0 : 1);
             },
             ::testing::ExitedWithCode(0), report);
     }
