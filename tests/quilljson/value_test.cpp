@@ -160,6 +160,13 @@ TEST(Double, TextMatchesPrintfOnRandomDoubles) {
         check(ordinary(rng));
         check(static_cast<double>(static_cast<int64_t>(rng() >> (rng() % 64))));
     }
+    // The digits are made in a leading one and two halves of eight: the last
+    // non-zero digit in every place, and zeros between the halves.
+    for (int place = 0; place <= 16; ++place) {
+        check(1.0 + std::pow(10.0, -place));
+        check(std::pow(10.0, place) * 3.0 + 7.0);
+        check(std::ldexp(std::pow(10.0, place), -30));
+    }
     for (double d : {2.2250738585072014e-308, 1.7976931348623157e308, 5e-324, 1e23, 9007199254740993.0,
                      1125899906842624.75, 562949953421312.125, 0.3, 2.5e-7, 1e16, 99999999999999999.0,
                      9.9999999999999995e-5, 1e-4, 1e17, 8.5})
