@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "number_text.h"
@@ -143,6 +144,17 @@ void Value::insert(std::string const& key, Value const& v) {
     if (&v == this) return;
     Value copy(v); // v may live inside the content that become() drops
     become<ObjectType>(Object).try_emplace(key, std::move(copy));
+}
+
+Value& Value::setMemberInOrder(std::string key, Value v) {
+    become<ObjectType>(Object); // key and v are our own: nothing of them lives in what it drops
+    ObjectType& members = makePrivate<ObjectType>();
+    if (!members.empty() && !(std::prev(members.end())->first < key)) {
+        Value& member = members[std::move(key)];
+        member = std::move(v);
+        return member;
+    }
+    return members.emplace_hint(members.end(), std::move(key), std::move(v))->second;
 }
 
 void Value::append(Value const& v) {

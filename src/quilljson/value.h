@@ -106,6 +106,10 @@ public:
     // Inserts a copy of v under key unless the key is present. Deliberately does
     // NOT make a shared object private: every sharer sees the new member.
     void insert(std::string const& key, Value const& v);
+    // Sets member key to v like (*this)[key] = v, for building an object whose
+    // keys come in byte-wise order: a key that sorts after every present one
+    // is placed at the end without searching the members.
+    Value& setMemberInOrder(std::string key, Value v);
     // Appends to an array (turning a non-array into an empty array first, then
     // making it private).
     void append(Value const& v);

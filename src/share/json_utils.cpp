@@ -182,7 +182,8 @@ Value ToJson(colour const& c, std::string const& components) {
     Value json = Value::object();
     for (char const letter : components)
         for (Component const& component : kComponents)
-            if (component.letter == letter) json[std::string(1, letter)] = c.*component.member;
+            if (component.letter == letter)
+                json.setMemberInOrder(std::string(1, letter), c.*component.member);
     return json;
 }
 

@@ -59,6 +59,22 @@ TEST(Value, InsertWritesThroughSharingAndKeepsExistingMembers) {
     EXPECT_EQ(text(n), R"({"x":true})");
 }
 
+// Keys out of order, present keys and a shared object must all end as with
+// operator[], not only keys that come in order.
+TEST(Value, SetMemberInOrderActsAsAssignmentForAnyKey) {
+    Value n = 5; // a non-object becomes an object first
+    n.setMemberInOrder("b", 1);
+    n.setMemberInOrder("d", 2);
+    n.setMemberInOrder("a", 3);
+    n.setMemberInOrder("d", 4);
+    n.setMemberInOrder("b", 5);
+    Value shared = n;
+    n.setMemberInOrder("e", "x");
+    n.setMemberInOrder("c", 6);
+    EXPECT_EQ(text(n), R"({"a":3,"b":5,"c":6,"d":4,"e":"x"})");
+    EXPECT_EQ(text(shared), R"({"a":3,"b":5,"d":4})");
+}
+
 TEST(Value, StringAssignmentReusesOnlyAnUnsharedString) {
     Value a = "one";
     Value b = a;
