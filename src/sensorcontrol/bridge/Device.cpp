@@ -10,11 +10,8 @@ namespace tovel {
 namespace bridge {
 
 void* GetMDHandle(BridgeData const& data, std::string* uri, std::string const& resource) {
-    std::string id;
-    if (data.parameters.isObject() && data.parameters.contains("id")) {
-        quilljson::Value const& value = data.parameters["id"];
-        if (value.isString()) id = value.stringRef();
-    }
+    // One lookup: a missing member or a non-object answers null, as no text.
+    std::string const& id = data.parameters["id"].stringRef();
 
     // Built before any check, so that a refused request is logged with it.
     uri->append("Sensors/").append(id);
