@@ -182,6 +182,7 @@ private:
     // Deletes a container whose count reached 0 without recursing into nested
     // containers (see value.cpp).
     static void destroy(uint32_t type, AbstractContainer* c) noexcept;
+    static void dropMember(Value& member, uintptr_t& queue) noexcept;
     template <typename T> T& makePrivate();  // copy-on-write of the container
     template <typename T> T& become(Type t); // converts into an empty container of kind t when needed
     // Takes the text, in place when this is an unshared string (s may point
