@@ -7,6 +7,7 @@
 #endif
 #include <cstdlib>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "number_text.h"
@@ -248,6 +249,38 @@ struct Frame {
     Value const* elementEnd;
 };
 
+// The open containers: the first levels in the worker itself, so that a
+// response or a shallow document needs no heap block for them; deeper ones in
+// a vector, so that depth costs heap, not stack.
+class FrameStack {
+public:
+    template <typename Container> void emplace_back(Container const& c) {
+        if (size_ < kInline)
+            ::new (static_cast<void*>(inline_ + size_ * sizeof(Frame))) Frame(c);
+        else
+            deep_.emplace_back(c);
+        ++size_;
+    }
+    Frame& back() { return size_ <= kInline ? inlineFrame(size_ - 1) : deep_.back(); }
+    void pop_back() {
+        if (size_ > kInline) deep_.pop_back();
+        --size_;
+    }
+    bool empty() const { return size_ == 0; }
+    size_t size() const { return size_; }
+
+private:
+    static constexpr size_t kInline = 16;
+    static_assert(std::is_trivially_destructible<Frame>::value, "frames are dropped without a destructor");
+    Frame& inlineFrame(size_t i) {
+        return *std::launder(reinterpret_cast<Frame*>(inline_ + i * sizeof(Frame)));
+    }
+
+    size_t size_ = 0;
+    alignas(Frame) unsigned char inline_[kInline * sizeof(Frame)];
+    std::vector<Frame> deep_;
+};
+
 class SerializeWorker {
 public:
     SerializeWorker(Writer& w, Layout const& layout) : w_(w), layout_(layout) {}
@@ -346,7 +379,7 @@ private:
 
     Writer& w_;
     Layout const& layout_;
-    std::vector<Frame> stack_;
+    FrameStack stack_;
 };
 
 } // namespace
