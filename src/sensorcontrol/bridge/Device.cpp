@@ -14,6 +14,9 @@ void* GetMDHandle(BridgeData const& data, std::string* uri, std::string const& r
     std::string const& id = data.parameters["id"].stringRef();
 
     // Built before any check, so that a refused request is logged with it.
+    // Sized once: a sensor id is longer than a short string holds, and growing
+    // by appends took a heap block per step.
+    uri->reserve(uri->size() + 8 + id.size() + (resource.empty() ? 0 : 1 + resource.size()));
     uri->append("Sensors/").append(id);
     if (!resource.empty()) uri->append(1, '/').append(resource);
 
