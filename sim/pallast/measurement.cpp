@@ -12,12 +12,18 @@
 
 namespace {
 
+// Measured on every call: lengths first, so that most names are turned away
+// without a compare of their text.
+template <size_t N> bool is(std::string const& s, char const (&name)[N]) {
+    return s.size() == N - 1 && std::memcmp(s.data(), name, N - 1) == 0;
+}
+
 double correctionFactor(std::string const& correction) {
-    if (correction == "plain") return 0.999;
-    if (correction == "emission") return 0.998;
-    if (correction == "paperWhite") return 0.997;
-    if (correction == "10degFor2deg") return 0.996;
-    if (correction == "plainFor2deg") return 0.995;
+    if (is(correction, "plain")) return 0.999;
+    if (is(correction, "emission")) return 0.998;
+    if (is(correction, "paperWhite")) return 0.997;
+    if (is(correction, "10degFor2deg")) return 0.996;
+    if (is(correction, "plainFor2deg")) return 0.995;
     return 1.0;
 }
 

@@ -123,14 +123,50 @@ inline bool seventeenDigits(uint64_t m, int e2, uint64_t& digits, int& k) noexce
     return false;
 }
 
+// The eight decimal digits of v < 10^8 as byte values 0..9, the first digit in
+// the lowest byte: two 4-digit halves, then pairs, then digits, each step one
+// multiply-shift on all lanes at once (exact for the ranges involved), so the
+// two halves of a 17-digit number convert independently of each other instead
+// of in one chain of 64-bit divisions.
+inline uint64_t eightDigitBytes(uint32_t v) noexcept {
+    uint64_t x = (v / 10000) | (static_cast<uint64_t>(v % 10000) << 32);
+    uint64_t q = ((x * 10486) >> 20) & 0x0000007F0000007FULL; // lane / 100
+    x = q | ((x - q * 100) << 16);
+    q = ((x * 103) >> 10) & 0x000F000F000F000FULL; // lane / 10
+    return q | ((x - q * 10) << 8);
+}
+
+inline void storeDigitBytes(char* out, uint64_t digits) noexcept {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    digits = __builtin_bswap64(digits);
+#endif
+    digits |= 0x3030303030303030ULL;
+    std::memcpy(out, &digits, 8);
+}
+
+// Index (0..7) of the last non-zero digit of eightDigitBytes' result, which must
+// not be 0.
+inline int lastNonZeroDigit(uint64_t digits) noexcept {
+    return (63 - __builtin_clzll(digits)) >> 3;
+}
+
 // Lays out 17 digits as "%.17g" does: fixed notation for exponents -4..16,
 // else d.ddde+XX; trailing zeros of the fraction and a bare point dropped.
 inline char* layoutSeventeen(char* out, uint64_t n, int k) noexcept {
+    constexpr uint64_t kLow = 10000000000000000ULL; // 10^16
     char d[17];
-    writeDigitsBackwards(d + 17, n);
-    int last = 16; // the last digit that is kept
-    while (last > 0 && d[last] == '0')
-        --last;
+    uint64_t const lead = n / kLow;
+    uint64_t const rest = n - lead * kLow;
+    uint32_t const upper = static_cast<uint32_t>(rest / 100000000);
+    uint32_t const lower = static_cast<uint32_t>(rest - uint64_t(upper) * 100000000);
+    uint64_t const upperDigits = eightDigitBytes(upper);
+    uint64_t const lowerDigits = eightDigitBytes(lower);
+    d[0] = static_cast<char>('0' + lead);
+    storeDigitBytes(d + 1, upperDigits);
+    storeDigitBytes(d + 9, lowerDigits);
+    int const last = lowerDigits   ? 9 + lastNonZeroDigit(lowerDigits)
+                     : upperDigits ? 1 + lastNonZeroDigit(upperDigits)
+                                   : 0; // the last digit that is kept
     if (k >= -4 && k < 17) {
         if (k < 0) {
             std::memcpy(out, "0.0000", static_cast<size_t>(1 - k));

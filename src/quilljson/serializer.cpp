@@ -1,11 +1,13 @@
 #include "serializer.h"
 
+#include <atomic>
 #include <cmath>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 #include <cstdlib>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "number_text.h"
@@ -67,40 +69,44 @@ inline unsigned escapeMask(__m128i chunk) {
 #define QUILLJSON_SHORT_STRING_LOAD 0
 #endif
 
-// The text is written through a raw cursor into a buffer kept per thread and
-// grown with realloc, then appended to the caller's string in one piece. A
-// string grown in place would be zero-filled and copied on every doubling,
-// and each large block it takes is fresh memory that must be faulted in; the
-// kept buffer is warm after the first call and realloc can move pages.
-struct ThreadBuffer {
-    char* data = nullptr;
-    size_t capacity = 0;
-    ~ThreadBuffer() { std::free(data); }
+// The text is written through a raw cursor into a buffer, then appended to
+// the caller's string in one piece. A string grown in place would be
+// zero-filled and copied on every doubling. The buffer is first one inside the
+// writer, which a response or any small document never leaves; a larger text
+// moves to a heap block grown with realloc. The block of a large text is kept
+// afterwards for the next one, as it is warm and its pages are faulted in: one
+// block for the process, in a slot that a writer empties when it needs a block
+// and fills when it is done, so that only writers of large texts touch it (no
+// per-thread buffer: those are slow to reach, and a risk, in a library opened
+// at run time).
+constexpr size_t kInlineBuffer = 2048;
+constexpr size_t kKeptBuffer = size_t(4) << 20; // a larger block is freed after use
+constexpr size_t kBlockHeader = 16;             // the block's capacity, keeping the text aligned
+
+struct KeptBlock {
+    std::atomic<char*> block{nullptr};
+    ~KeptBlock() { std::free(block.exchange(nullptr)); }
 };
-thread_local ThreadBuffer t_buffer;
-constexpr size_t kKeptBuffer = size_t(4) << 20; // a larger one is freed after use
+KeptBlock g_kept;
+
+inline size_t& blockCapacity(char* block) {
+    return *reinterpret_cast<size_t*>(block);
+}
 
 class Writer {
 public:
-    Writer() : tb_(t_buffer) {
-        if (!tb_.data) {
-            tb_.data = static_cast<char*>(std::malloc(4096));
-            if (!tb_.data) throw std::bad_alloc();
-            tb_.capacity = 4096;
-        }
-        cur_ = tb_.data;
-        limit_ = tb_.data + tb_.capacity;
-    }
+    Writer() : cur_(inline_), limit_(inline_ + kInlineBuffer) {}
+    ~Writer() { std::free(block_); }
     Writer(Writer const&) = delete;
     Writer& operator=(Writer const&) = delete;
 
     // Appends the text to out (also after a failure: what was written stays).
     void finish(std::string& out) {
-        out.append(tb_.data, static_cast<size_t>(cur_ - tb_.data));
-        if (tb_.capacity > kKeptBuffer) {
-            std::free(tb_.data);
-            tb_.data = nullptr;
-            tb_.capacity = 0;
+        char const* const begin = block_ ? block_ + kBlockHeader : inline_;
+        out.append(begin, static_cast<size_t>(cur_ - begin));
+        if (block_ && blockCapacity(block_) <= kKeptBuffer) {
+            std::free(g_kept.block.exchange(block_, std::memory_order_acq_rel));
+            block_ = nullptr;
         }
     }
 
@@ -189,20 +195,34 @@ public:
 
 private:
     void grow(size_t n) {
-        size_t const used = static_cast<size_t>(cur_ - tb_.data);
-        size_t capacity = tb_.capacity * 2;
+        char* const begin = block_ ? block_ + kBlockHeader : inline_;
+        size_t const used = static_cast<size_t>(cur_ - begin);
+        size_t capacity = (block_ ? blockCapacity(block_) : kInlineBuffer) * 2;
         if (capacity < used + n) capacity = used + n;
-        char* data = static_cast<char*>(std::realloc(tb_.data, capacity));
-        if (!data) throw std::bad_alloc();
-        tb_.data = data;
-        tb_.capacity = capacity;
-        cur_ = data + used;
-        limit_ = data + capacity;
+        char* block = block_;
+        if (!block) { // leaving the inline buffer: the kept block if it is large enough
+            block = g_kept.block.exchange(nullptr, std::memory_order_acq_rel);
+            if (block && blockCapacity(block) >= capacity) capacity = blockCapacity(block);
+        }
+        if (!block || blockCapacity(block) < capacity) {
+            char* const grown = static_cast<char*>(std::realloc(block, kBlockHeader + capacity));
+            if (!grown) {
+                if (!block_) std::free(block);
+                throw std::bad_alloc();
+            }
+            block = grown;
+            blockCapacity(block) = capacity;
+        }
+        if (!block_) std::memcpy(block + kBlockHeader, inline_, used);
+        block_ = block;
+        cur_ = block + kBlockHeader + used;
+        limit_ = block + kBlockHeader + capacity;
     }
 
-    ThreadBuffer& tb_;
+    char* block_ = nullptr; // the heap block once the text outgrew inline_
     char* cur_;
     char* limit_;
+    char inline_[kInlineBuffer];
 };
 
 // Pretty-printing attributes; unused when compact.
@@ -227,6 +247,38 @@ struct Frame {
     Value::ObjectType::const_iterator member, memberEnd;
     Value const* element;
     Value const* elementEnd;
+};
+
+// The open containers: the first levels in the worker itself, so that a
+// response or a shallow document needs no heap block for them; deeper ones in
+// a vector, so that depth costs heap, not stack.
+class FrameStack {
+public:
+    template <typename Container> void emplace_back(Container const& c) {
+        if (size_ < kInline)
+            ::new (static_cast<void*>(inline_ + size_ * sizeof(Frame))) Frame(c);
+        else
+            deep_.emplace_back(c);
+        ++size_;
+    }
+    Frame& back() { return size_ <= kInline ? inlineFrame(size_ - 1) : deep_.back(); }
+    void pop_back() {
+        if (size_ > kInline) deep_.pop_back();
+        --size_;
+    }
+    bool empty() const { return size_ == 0; }
+    size_t size() const { return size_; }
+
+private:
+    static constexpr size_t kInline = 16;
+    static_assert(std::is_trivially_destructible<Frame>::value, "frames are dropped without a destructor");
+    Frame& inlineFrame(size_t i) {
+        return *std::launder(reinterpret_cast<Frame*>(inline_ + i * sizeof(Frame)));
+    }
+
+    size_t size_ = 0;
+    alignas(Frame) unsigned char inline_[kInline * sizeof(Frame)];
+    std::vector<Frame> deep_;
 };
 
 class SerializeWorker {
@@ -327,7 +379,7 @@ private:
 
     Writer& w_;
     Layout const& layout_;
-    std::vector<Frame> stack_;
+    FrameStack stack_;
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "number_text.h"
@@ -17,45 +18,54 @@ using StringBox = Value::Container<std::string>;
 using ObjectBox = Value::Container<Value::ObjectType>;
 using ArrayBox = Value::Container<Value::ArrayType>;
 
-// Containers whose count reached 0 while another deletion was running on this
-// thread. Deleting an object or array destroys its members, which may drop
-// further containers to 0; those are queued here (linked through their own
-// headers) and deleted by the outermost call, so a value nested a million
-// levels deep is freed in a loop instead of a million nested destructor calls.
-struct DeathRow {
-    Value::AbstractContainer* head;
-    bool draining;
-};
-thread_local DeathRow t_deathRow = {nullptr, false};
-
-void deleteNested(bool isArray, Value::AbstractContainer* c) noexcept {
-    if (isArray)
-        delete static_cast<ArrayBox*>(c);
-    else
-        delete static_cast<ObjectBox*>(c);
-}
-
 } // namespace
+
+// A container is emptied before it is deleted: each member whose container
+// drops to 0 is taken out of it (left null) and queued, linked through its own
+// header with bit 0 set for an array, and the queue is deleted in a loop. A
+// value nested a million levels deep is so freed without a million nested
+// destructor calls, and the queue lives on this call's stack instead of in a
+// per-thread variable (slow to reach from a library opened at run time).
+void Value::dropMember(Value& member, uintptr_t& queue) noexcept {
+    uint32_t const type = member.type_;
+    if (!(type & kContainerMask)) return;
+    AbstractContainer* const c = member.payload_.c;
+    member.type_ = Null;
+    member.payload_.i = 0;
+    if (--c->count != 0) return;
+    if (type == String) {
+        delete static_cast<StringBox*>(c);
+        return;
+    }
+    c->nextDead = queue | (type == Array ? 1u : 0u);
+    queue = reinterpret_cast<uintptr_t>(c);
+}
 
 void Value::destroy(uint32_t type, AbstractContainer* c) noexcept {
     if (type == String) { // holds no values: nothing can nest
         delete static_cast<StringBox*>(c);
         return;
     }
-    DeathRow& row = t_deathRow;
-    if (row.draining) {
-        c->nextDead = reinterpret_cast<uintptr_t>(row.head) | (type == Array ? 1u : 0u);
-        row.head = c;
-        return;
+    uintptr_t queue = 0;
+    bool isArray = type == Array;
+    for (;;) {
+        if (isArray) {
+            auto* box = static_cast<ArrayBox*>(c);
+            for (Value& element : box->data)
+                dropMember(element, queue);
+            delete box;
+        } else {
+            auto* box = static_cast<ObjectBox*>(c);
+            for (auto& member : box->data)
+                dropMember(member.second, queue);
+            delete box;
+        }
+        if (queue == 0) return;
+        c = reinterpret_cast<AbstractContainer*>(queue);
+        uintptr_t const link = c->nextDead;
+        isArray = link & 1;
+        queue = link & ~uintptr_t(1);
     }
-    row.draining = true;
-    deleteNested(type == Array, c);
-    while (AbstractContainer* next = row.head) {
-        uintptr_t const link = next->nextDead;
-        row.head = reinterpret_cast<AbstractContainer*>(link & ~uintptr_t(1));
-        deleteNested(link & 1, next);
-    }
-    row.draining = false;
 }
 
 Value& Value::operator=(Value const& other) noexcept {
@@ -143,6 +153,17 @@ void Value::insert(std::string const& key, Value const& v) {
     if (&v == this) return;
     Value copy(v); // v may live inside the content that become() drops
     become<ObjectType>(Object).try_emplace(key, std::move(copy));
+}
+
+Value& Value::setMemberInOrder(std::string key, Value v) {
+    become<ObjectType>(Object); // key and v are our own: nothing of them lives in what it drops
+    ObjectType& members = makePrivate<ObjectType>();
+    if (!members.empty() && !(std::prev(members.end())->first < key)) {
+        Value& member = members[std::move(key)];
+        member = std::move(v);
+        return member;
+    }
+    return members.emplace_hint(members.end(), std::move(key), std::move(v))->second;
 }
 
 void Value::append(Value const& v) {

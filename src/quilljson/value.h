@@ -106,6 +106,10 @@ public:
     // Inserts a copy of v under key unless the key is present. Deliberately does
     // NOT make a shared object private: every sharer sees the new member.
     void insert(std::string const& key, Value const& v);
+    // Sets member key to v like (*this)[key] = v, for building an object whose
+    // keys come in byte-wise order: a key that sorts after every present one
+    // is placed at the end without searching the members.
+    Value& setMemberInOrder(std::string key, Value v);
     // Appends to an array (turning a non-array into an empty array first, then
     // making it private).
     void append(Value const& v);
@@ -178,6 +182,7 @@ private:
     // Deletes a container whose count reached 0 without recursing into nested
     // containers (see value.cpp).
     static void destroy(uint32_t type, AbstractContainer* c) noexcept;
+    static void dropMember(Value& member, uintptr_t& queue) noexcept;
     template <typename T> T& makePrivate();  // copy-on-write of the container
     template <typename T> T& become(Type t); // converts into an empty container of kind t when needed
     // Takes the text, in place when this is an unshared string (s may point

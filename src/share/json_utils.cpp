@@ -168,21 +168,39 @@ int64_t JsonToInt64Truncating(Value const& value) {
 
 // ---- measured colours ----
 
+namespace {
+
+// The colour members by their letters; the letters not listed map to null.
+struct ComponentTable {
+    double colour::*member[256];
+    constexpr ComponentTable() : member() {
+        member['X'] = &colour::X;
+        member['Y'] = &colour::Y;
+        member['Z'] = &colour::Z;
+        member['x'] = &colour::x;
+        member['y'] = &colour::y;
+        member['L'] = &colour::L;
+        member['a'] = &colour::a;
+        member['b'] = &colour::b;
+        member['C'] = &colour::C;
+        member['h'] = &colour::h;
+        member['T'] = &colour::T;
+        member['R'] = &colour::R;
+        member['G'] = &colour::G;
+        member['B'] = &colour::B;
+        member['M'] = &colour::M;
+        member['K'] = &colour::K;
+    }
+};
+constexpr ComponentTable kComponents;
+
+} // namespace
+
 Value ToJson(colour const& c, std::string const& components) {
-    struct Component {
-        char letter;
-        double colour::*member;
-    };
-    static Component const kComponents[] = {
-        {'X', &colour::X}, {'Y', &colour::Y}, {'Z', &colour::Z}, {'x', &colour::x},
-        {'y', &colour::y}, {'L', &colour::L}, {'a', &colour::a}, {'b', &colour::b},
-        {'C', &colour::C}, {'h', &colour::h}, {'T', &colour::T}, {'R', &colour::R},
-        {'G', &colour::G}, {'B', &colour::B}, {'M', &colour::M}, {'K', &colour::K},
-    };
     Value json = Value::object();
     for (char const letter : components)
-        for (Component const& component : kComponents)
-            if (component.letter == letter) json[std::string(1, letter)] = c.*component.member;
+        if (double colour::*const member = kComponents.member[static_cast<unsigned char>(letter)])
+            json.setMemberInOrder(std::string(1, letter), c.*member);
     return json;
 }
 

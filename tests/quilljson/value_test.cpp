@@ -59,6 +59,22 @@ TEST(Value, InsertWritesThroughSharingAndKeepsExistingMembers) {
     EXPECT_EQ(text(n), R"({"x":true})");
 }
 
+// Keys out of order, present keys and a shared object must all end as with
+// operator[], not only keys that come in order.
+TEST(Value, SetMemberInOrderActsAsAssignmentForAnyKey) {
+    Value n = 5; // a non-object becomes an object first
+    n.setMemberInOrder("b", 1);
+    n.setMemberInOrder("d", 2);
+    n.setMemberInOrder("a", 3);
+    n.setMemberInOrder("d", 4);
+    n.setMemberInOrder("b", 5);
+    Value shared = n;
+    n.setMemberInOrder("e", "x");
+    n.setMemberInOrder("c", 6);
+    EXPECT_EQ(text(n), R"({"a":3,"b":5,"c":6,"d":4,"e":"x"})");
+    EXPECT_EQ(text(shared), R"({"a":3,"b":5,"d":4})");
+}
+
 TEST(Value, StringAssignmentReusesOnlyAnUnsharedString) {
     Value a = "one";
     Value b = a;
@@ -159,6 +175,13 @@ TEST(Double, TextMatchesPrintfOnRandomDoubles) {
         check(d);
         check(ordinary(rng));
         check(static_cast<double>(static_cast<int64_t>(rng() >> (rng() % 64))));
+    }
+    // The digits are made in a leading one and two halves of eight: the last
+    // non-zero digit in every place, and zeros between the halves.
+    for (int place = 0; place <= 16; ++place) {
+        check(1.0 + std::pow(10.0, -place));
+        check(std::pow(10.0, place) * 3.0 + 7.0);
+        check(std::ldexp(std::pow(10.0, place), -30));
     }
     for (double d : {2.2250738585072014e-308, 1.7976931348623157e308, 5e-324, 1e23, 9007199254740993.0,
                      1125899906842624.75, 562949953421312.125, 0.3, 2.5e-7, 1e16, 99999999999999999.0,

@@ -10,13 +10,13 @@ namespace tovel {
 namespace bridge {
 
 void* GetMDHandle(BridgeData const& data, std::string* uri, std::string const& resource) {
-    std::string id;
-    if (data.parameters.isObject() && data.parameters.contains("id")) {
-        quilljson::Value const& value = data.parameters["id"];
-        if (value.isString()) id = value.stringRef();
-    }
+    // One lookup: a missing member or a non-object answers null, as no text.
+    std::string const& id = data.parameters["id"].stringRef();
 
     // Built before any check, so that a refused request is logged with it.
+    // Sized once: a sensor id is longer than a short string holds, and growing
+    // by appends took a heap block per step.
+    uri->reserve(uri->size() + 8 + id.size() + (resource.empty() ? 0 : 1 + resource.size()));
     uri->append("Sensors/").append(id);
     if (!resource.empty()) uri->append(1, '/').append(resource);
 

@@ -20,8 +20,8 @@ BridgeResult SensorXYZ::Get(BridgeData const& data) {
     colour measured{};
     BridgeCheckDvError(MDMeasureXYZ2(device, &raw, &measured), "Measure XYZ.");
     Value result = Value::object();
-    result["XYZ"] = ToJson(measured, "XYZ");
-    result["rawXYZ"] = ToJson(raw, "XYZ");
+    result.setMemberInOrder("XYZ", ToJson(measured, "XYZ"));
+    result.setMemberInOrder("rawXYZ", ToJson(raw, "XYZ"));
     return BridgeResultOK(result);
 }
 
