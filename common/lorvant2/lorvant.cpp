@@ -2,10 +2,12 @@
 // level and the message, appended to the file named by LORVANT_LOG_FILE or
 // written to stderr. Log calls are not journaled: one follows every request.
 //
-// The file is opened once, for appending, and every line goes out in one
-// write: with O_APPEND the kernel places each write at the end of the file as
-// a whole, so lines from other threads and processes never split or mix, and
-// no lock is needed here.
+// The file is opened once, for appending, and every write holds whole lines:
+// with O_APPEND the kernel places each write at the end of the file as a
+// whole, so lines from other threads and processes never split or mix. The
+// per-request lines are gathered and written several at a time
+// (log_file_writer.h); standard error gets each line at once, in step with
+// what the program prints, and so does a file when LORVANT_LOG_GATHER=0.
 #include <fcntl.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -19,11 +21,34 @@
 #include <string>
 
 #include "devices/lorvant.h"
+#include "log_file_writer.h"
 
 namespace {
 
+void writeWhole(int fd, char const* text, size_t length) {
+    while (length > 0) {
+        ssize_t const written = write(fd, text, length);
+        if (written < 0) return; // nowhere to report a failing log
+        text += written;
+        length -= static_cast<size_t>(written);
+    }
+}
+
+// The level of a successful request's line, the one logged all the time;
+// lines of this level and below may wait a moment for company.
+constexpr int32_t kRoutineLevel = 2;
+
 struct Logger {
-    int fd; // the log file, or stderr when none is named or it cannot be opened
+    int fd;       // the log file, or stderr when none is named or it cannot be opened
+    bool gathers; // a file, unless LORVANT_LOG_GATHER=0 asks for every line at once
+    lorvant::LogFileWriter file{fd};
+
+    void write(char const* line, size_t length, int32_t level) {
+        if (gathers)
+            file.append(line, length, level <= kRoutineLevel);
+        else
+            writeWhole(fd, line, length);
+    }
 };
 
 int openLogFile() {
@@ -32,6 +57,20 @@ int openLogFile() {
     int const fd = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
     return fd >= 0 ? fd : STDERR_FILENO;
 }
+
+bool gatherWanted() {
+    char const* gather = std::getenv("LORVANT_LOG_GATHER");
+    return gather == nullptr || std::strcmp(gather, "0") != 0;
+}
+
+Logger* theLogger = nullptr;
+
+// Gathered lines reach the file at exit and when the library is unloaded.
+struct WriteGatheredAtUnload {
+    ~WriteGatheredAtUnload() {
+        if (theLogger != nullptr) theLogger->file.stop();
+    }
+} writeGatheredAtUnload;
 
 constexpr size_t kSecondLength = 19; // "YYYY-MM-DD hh:mm:ss"
 
@@ -115,21 +154,14 @@ size_t decimal(char* out, int32_t value) {
     return length;
 }
 
-void writeWhole(int fd, char const* text, size_t length) {
-    while (length > 0) {
-        ssize_t const written = write(fd, text, length);
-        if (written < 0) return; // nowhere to report a failing log
-        text += written;
-        length -= static_cast<size_t>(written);
-    }
-}
-
 } // namespace
 
 extern "C" {
 
 void* lorvant_get_logger(void) {
-    static Logger logger{openLogFile()};
+    static int const fd = openLogFile();
+    static Logger logger{fd, fd != STDERR_FILENO && gatherWanted()};
+    theLogger = &logger;
     return &logger;
 }
 
@@ -164,7 +196,7 @@ void lorvant_log(void* logger, char const* name, int32_t level, char const* mess
     out = put(out, ": ", 2);
     out = put(out, what, whatLength);
     *out++ = '\n';
-    writeWhole(static_cast<Logger*>(logger)->fd, line, static_cast<size_t>(out - line));
+    static_cast<Logger*>(logger)->write(line, static_cast<size_t>(out - line), level);
 }
 
 } // extern "C"

@@ -9,12 +9,13 @@ namespace hostlog {
 
 namespace {
 
-// Set before anything loads the logging stand-in: a file of this run's own.
+// Set before anything loads the logging stand-in: a file of this run's own,
+// each line written as it is logged, so that it can be read right after.
 std::string const& LogFile() {
     static std::string const path = "/tmp/host_tests_log." + std::to_string(getpid());
     static bool const set = [] {
         std::atexit([] { unlink(path.c_str()); });
-        return setenv("LORVANT_LOG_FILE", path.c_str(), 1) == 0;
+        return setenv("LORVANT_LOG_FILE", path.c_str(), 1) == 0 && setenv("LORVANT_LOG_GATHER", "0", 1) == 0;
     }();
     (void)set;
     return path;
