@@ -161,7 +161,8 @@ extern "C" {
 void* lorvant_get_logger(void) {
     static int const fd = openLogFile();
     static Logger logger{fd, fd != STDERR_FILENO && gatherWanted()};
-    theLogger = &logger;
+    static bool const stoppedAtUnload = (theLogger = &logger, true);
+    (void)stoppedAtUnload;
     return &logger;
 }
 
