@@ -50,6 +50,12 @@ struct ResponseShard {
     }
 };
 
+ResponseShard::Map::node_type makeNode(uint32_t id, _BridgeStatusCode status, std::string text) {
+    ResponseShard::Map staging;
+    staging.emplace(id, BridgeResponse{status, std::move(text)});
+    return staging.extract(staging.begin());
+}
+
 struct ResponseStore {
     static constexpr uint32_t kThreadShards = 16;
     // Responses stored by BridgeHelperSetResponse with an id the caller chose,
@@ -70,11 +76,17 @@ struct ResponseStore {
     ResponseShard shards[kThreadShards + 1];
 
     // Thread stacks are mapped one after another, each a multiple of 64 KiB
-    // and a guard page apart, and pthread_self() lies in its stack: the page
-    // number modulo 16 gives threads started one after another shards of their
-    // own.
+    // and a guard page apart, and a thread's pthread_self() lies in its stack:
+    // the page number modulo 16 gives threads started one after another
+    // shards of their own.
     static uint32_t threadShard() {
-        return static_cast<uint32_t>((uintptr_t)pthread_self() >> 12) % kThreadShards;
+#if defined(__GLIBC__) && defined(__x86_64__)
+        // There pthread_self() is the thread pointer: read without a call.
+        uintptr_t const self = reinterpret_cast<uintptr_t>(__builtin_thread_pointer());
+#else
+        uintptr_t const self = (uintptr_t)pthread_self();
+#endif
+        return static_cast<uint32_t>(self >> 12) % kThreadShards;
     }
 
     // Takes every lock, in shard order.
@@ -107,7 +119,7 @@ struct ResponseStore {
         return ticket;
     }
     // A response made by a request under the promise `ticket`.
-    void storeOwn(uint64_t ticket, ResponseShard::Map::node_type& node);
+    void storeOwn(uint64_t ticket, _BridgeStatusCode status, std::string text);
     // A response under an id the caller chose.
     void storeDirect(ResponseShard::Map::node_type& node) {
         lockAll();
@@ -134,20 +146,24 @@ struct ResponseStore {
 // is done, the request looks at its own shard alone. Both are changed with
 // every lock held, this shard's too, so reading them under this lock cannot
 // miss a change.
-void ResponseStore::storeOwn(uint64_t ticket, ResponseShard::Map::node_type& node) {
+// The entry is made under the lock: only a fetch from another thread ever
+// waits for this one.
+void ResponseStore::storeOwn(uint64_t ticket, _BridgeStatusCode status, std::string text) {
     ResponseShard& own = shards[threadShard()];
+    uint32_t const id = static_cast<uint32_t>(ticket);
     {
         CriticalSectionLocker locker(&own.lock);
         if ((ticket >> 32) == refiledRound.load(std::memory_order_relaxed) &&
             shards[kDirect].size.load(std::memory_order_relaxed) == 0) {
-            auto placed = own.responses.insert(std::move(node));
-            if (placed.inserted)
+            auto const placed = own.responses.try_emplace(id, BridgeResponse{status, std::move(text)});
+            if (placed.second)
                 own.size.store(static_cast<uint32_t>(own.responses.size()), std::memory_order_relaxed);
             else
-                std::swap(placed.position->second, node.mapped()); // the old goes with the caller's node
+                placed.first->second = BridgeResponse{status, std::move(text)};
             return;
         }
     }
+    ResponseShard::Map::node_type node = makeNode(id, status, std::move(text));
     lockAll();
     replaceOrInsert(own, node);
     unlockAll();
@@ -156,12 +172,6 @@ void ResponseStore::storeOwn(uint64_t ticket, ResponseShard::Map::node_type& nod
 ResponseStore& store() {
     static ResponseStore* const instance = new ResponseStore;
     return *instance;
-}
-
-ResponseShard::Map::node_type makeNode(uint32_t id, _BridgeStatusCode status, std::string text) {
-    ResponseShard::Map staging;
-    staging.emplace(id, BridgeResponse{status, std::move(text)});
-    return staging.extract(staging.begin());
 }
 
 char const kUnknownErrorResponse[] =
@@ -209,8 +219,7 @@ uint32_t BridgeTemplate::operator()(char const* request, char const* parameters,
         quilljson::Serializer::serialize(text, response);
     }
     uint32_t const id = static_cast<uint32_t>(ticket);
-    ResponseShard::Map::node_type node = makeNode(id, result.status, std::move(text));
-    store().storeOwn(ticket, node);
+    store().storeOwn(ticket, result.status, std::move(text));
     return id;
 }
 
@@ -319,8 +328,7 @@ uint32_t AnswerUnknownError() noexcept {
     try {
         uint64_t const ticket = store().take();
         id = static_cast<uint32_t>(ticket);
-        ResponseShard::Map::node_type node = makeNode(id, 500, kUnknownErrorResponse);
-        store().storeOwn(ticket, node);
+        store().storeOwn(ticket, 500, kUnknownErrorResponse);
     } catch (...) {
         // Out of memory even for this: the id stays unanswered (its fetch gives 500).
     }
