@@ -28,8 +28,9 @@ struct BridgeResponse {
 // Host threads meet here on every request. A response is stored in the shard
 // of the thread that made it, and that thread usually fetches it: so two host
 // threads write lines of their own here, where shards chosen by id made each
-// thread take lines the other had just written. A lock is held only to link
-// and unlink map nodes, which are made, filled, read and freed outside it.
+// thread take lines the other had just written. A request's entry is made
+// under its own shard's lock, which only another thread's fetch waits for;
+// fetched entries are read and freed outside the lock.
 struct ResponseShard {
     using Map = std::map<uint32_t, BridgeResponse>;
     alignas(64) CriticalSection lock;
@@ -155,11 +156,13 @@ void ResponseStore::storeOwn(uint64_t ticket, _BridgeStatusCode status, std::str
         CriticalSectionLocker locker(&own.lock);
         if ((ticket >> 32) == refiledRound.load(std::memory_order_relaxed) &&
             shards[kDirect].size.load(std::memory_order_relaxed) == 0) {
-            auto const placed = own.responses.try_emplace(id, BridgeResponse{status, std::move(text)});
+            BridgeResponse response{status, std::move(text)};
+            auto const placed =
+                own.responses.try_emplace(id, std::move(response)); // leaves it when not placed
             if (placed.second)
                 own.size.store(static_cast<uint32_t>(own.responses.size()), std::memory_order_relaxed);
             else
-                placed.first->second = BridgeResponse{status, std::move(text)};
+                std::swap(placed.first->second, response); // replaces; the old goes with `response`
             return;
         }
     }

@@ -160,7 +160,12 @@ TEST(ResponseStore, AnIdTakenAgainAfterTheCounterWrapsReplacesTheUnfetchedRespon
     EXPECT_ISOLATED([] {
         uint64_t const round = uint64_t(1) << 32;
         tovel::SetPromisesTaken(6);
+        EXPECT_EQ(7u, Store("-1"));
+        tovel::SetPromisesTaken(6); // the same id again, from the same thread
         EXPECT_EQ(7u, Store("1"));
+        uint32_t length = 0;
+        EXPECT_EQ(200u, BridgeHelperGetResponse(7, nullptr, &length));
+        EXPECT_EQ(std::string(R"({"error":null,"value":1})").size() + 1, length);
         std::thread([] { EXPECT_EQ(8u, Store("2")); }).join();
         BridgeHelperSetResponse(9, 202, "3");
 
