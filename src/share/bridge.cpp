@@ -1,7 +1,10 @@
 #include "share/bridge.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <cctype>
+#include <cstdint>
 #include <cstring>
 #include <map>
 #include <utility>
@@ -11,6 +14,7 @@
 #include "sensorcontrol/MirelLogger.h"
 #include "sensorcontrol/sensorcontrol.h"
 #include "tvl/threading/mutex_locker.h"
+#include "tvl/threading/mutex_posix.h"
 
 namespace {
 
@@ -21,24 +25,152 @@ struct BridgeResponse {
 
 // The promise counter and the responses. Never destroyed, so a host thread
 // still calling while the process exits finds it intact.
-// Host threads meet here on every request: the responses are spread over
-// shards by id, each with its own lock on its own cache line, so that threads
-// working on different promises rarely take the same lock; a lock is held
-// only to link and unlink map nodes, which are made, filled, read and freed
-// outside it.
+// Host threads meet here on every request. A response is stored in the shard
+// of the thread that made it, and that thread usually fetches it: so two host
+// threads write lines of their own here, where shards chosen by id made each
+// thread take lines the other had just written. A request's entry is made
+// under its own shard's lock, which only another thread's fetch waits for;
+// fetched entries are read and freed outside the lock.
 struct ResponseShard {
     using Map = std::map<uint32_t, BridgeResponse>;
     alignas(64) CriticalSection lock;
+    // Entries in the map, written under the lock: read without it to pass
+    // over empty shards when a response is looked for elsewhere.
+    std::atomic<uint32_t> size{0};
     Map responses;
+
+    // Under the lock.
+    void insert(Map::node_type node) {
+        responses.insert(std::move(node));
+        size.store(static_cast<uint32_t>(responses.size()), std::memory_order_relaxed);
+    }
+    Map::node_type extract(Map::iterator entry) {
+        Map::node_type node = responses.extract(entry);
+        size.store(static_cast<uint32_t>(responses.size()), std::memory_order_relaxed);
+        return node;
+    }
 };
+
+ResponseShard::Map::node_type makeNode(uint32_t id, _BridgeStatusCode status, std::string text) {
+    ResponseShard::Map staging;
+    staging.emplace(id, BridgeResponse{status, std::move(text)});
+    return staging.extract(staging.begin());
+}
 
 struct ResponseStore {
-    static constexpr uint32_t kShards = 16;
-    alignas(64) std::atomic<uint32_t> counter{0}; // wraps at 2^32 like the plain counter it stands for
-    ResponseShard shards[kShards];
+    static constexpr uint32_t kThreadShards = 16;
+    // Responses stored by BridgeHelperSetResponse with an id the caller chose,
+    // so that a request's own store needs to look only here besides its shard.
+    static constexpr uint32_t kDirect = kThreadShards;
+    // Every request writes the counter and, to look its sensor up, takes the
+    // registry's lock a moment later: on one cache line, a request moves one
+    // line between the cores instead of two.
+    struct alignas(64) RequestLine {
+        // Promises handed out. An id is the low 32 bits, so it wraps at 2^32
+        // like the plain counter it stands for; the high bits count the wraps.
+        std::atomic<uint64_t> counter{0};
+        threading::Mutex sensorRegistry;
+    } line;
+    // The last wrap whose unfetched responses are in the direct shard; written
+    // with every lock held.
+    std::atomic<uint64_t> refiledRound{0};
+    ResponseShard shards[kThreadShards + 1];
 
-    ResponseShard& shard(uint32_t id) { return shards[id % kShards]; }
+    // Thread stacks are mapped one after another, each a multiple of 64 KiB
+    // and a guard page apart, and a thread's pthread_self() lies in its stack:
+    // the page number modulo 16 gives threads started one after another
+    // shards of their own.
+    static uint32_t threadShard() {
+#if defined(__GLIBC__) && defined(__x86_64__)
+        // There pthread_self() is the thread pointer: read without a call.
+        uintptr_t const self = reinterpret_cast<uintptr_t>(__builtin_thread_pointer());
+#else
+        uintptr_t const self = (uintptr_t)pthread_self();
+#endif
+        return static_cast<uint32_t>(self >> 12) % kThreadShards;
+    }
+
+    // Takes every lock, in shard order.
+    void lockAll() {
+        for (ResponseShard& s : shards)
+            s.lock.lock();
+    }
+    void unlockAll() {
+        for (ResponseShard& s : shards)
+            s.lock.unlock();
+    }
+    // With every lock held: replaces the entry of the node's id wherever it is,
+    // or stores the node in `home`.
+    void replaceOrInsert(ResponseShard& home, ResponseShard::Map::node_type& node) {
+        uint32_t const id = node.key();
+        for (ResponseShard& s : shards) {
+            auto const entry = s.responses.find(id);
+            if (entry != s.responses.end()) {
+                std::swap(entry->second, node.mapped()); // the old goes with the caller's node
+                return;
+            }
+        }
+        home.insert(std::move(node));
+    }
+
+    // A promise: its id in the low 32 bits.
+    uint64_t take() {
+        uint64_t const ticket = line.counter.fetch_add(1, std::memory_order_relaxed) + 1;
+        if (static_cast<uint32_t>(ticket) == 0) refileUnfetched(ticket >> 32);
+        return ticket;
+    }
+    // A response made by a request under the promise `ticket`.
+    void storeOwn(uint64_t ticket, _BridgeStatusCode status, std::string text);
+    // A response under an id the caller chose.
+    void storeDirect(ResponseShard::Map::node_type& node) {
+        lockAll();
+        replaceOrInsert(shards[kDirect], node);
+        unlockAll();
+    }
+    // When the counter wraps, the responses never fetched move to the direct
+    // shard, where the requests that take their ids again look for them.
+    void refileUnfetched(uint64_t round) {
+        lockAll();
+        ResponseShard& direct = shards[kDirect];
+        for (uint32_t i = 0; i < kThreadShards; ++i)
+            while (shards[i].size.load(std::memory_order_relaxed) != 0)
+                direct.insert(shards[i].extract(shards[i].responses.begin()));
+        if (round > refiledRound.load(std::memory_order_relaxed))
+            refiledRound.store(round, std::memory_order_relaxed);
+        unlockAll();
+    }
 };
+
+// Ids are unique within a round of the counter, so an earlier entry of a
+// promise's id can only be in the direct shard (stored there, or refiled at
+// the wrap that began the round): while that is empty and the round's refile
+// is done, the request looks at its own shard alone. Both are changed with
+// every lock held, this shard's too, so reading them under this lock cannot
+// miss a change.
+// The entry is made under the lock: only a fetch from another thread ever
+// waits for this one.
+void ResponseStore::storeOwn(uint64_t ticket, _BridgeStatusCode status, std::string text) {
+    ResponseShard& own = shards[threadShard()];
+    uint32_t const id = static_cast<uint32_t>(ticket);
+    {
+        CriticalSectionLocker locker(&own.lock);
+        if ((ticket >> 32) == refiledRound.load(std::memory_order_relaxed) &&
+            shards[kDirect].size.load(std::memory_order_relaxed) == 0) {
+            BridgeResponse response{status, std::move(text)};
+            auto const placed =
+                own.responses.try_emplace(id, std::move(response)); // leaves it when not placed
+            if (placed.second)
+                own.size.store(static_cast<uint32_t>(own.responses.size()), std::memory_order_relaxed);
+            else
+                std::swap(placed.first->second, response); // replaces; the old goes with `response`
+            return;
+        }
+    }
+    ResponseShard::Map::node_type node = makeNode(id, status, std::move(text));
+    lockAll();
+    replaceOrInsert(own, node);
+    unlockAll();
+}
 
 ResponseStore& store() {
     static ResponseStore* const instance = new ResponseStore;
@@ -64,11 +196,13 @@ std::string methodText(quilljson::Value const& request, char const* fallback) {
     return method.isString() ? method.stringRef() : std::string();
 }
 
+static_assert(sizeof(ResponseStore::RequestLine) == 64, "the counter and the registry lock on one line");
+
 } // namespace
 
 uint32_t BridgeTemplate::operator()(char const* request, char const* parameters, char const* query,
                                     char const* data) {
-    uint32_t const id = BridgeHelperCreatePromiseID();
+    uint64_t const ticket = store().take();
     BridgeResult const result = execute(request, parameters, query, data);
 
     // A non-finite number stops the serializer; what it wrote so far is kept.
@@ -87,7 +221,8 @@ uint32_t BridgeTemplate::operator()(char const* request, char const* parameters,
         response["value"] = result.value;
         quilljson::Serializer::serialize(text, response);
     }
-    BridgeHelperSetResponse(id, result.status, std::move(text));
+    uint32_t const id = static_cast<uint32_t>(ticket);
+    store().storeOwn(ticket, result.status, std::move(text));
     return id;
 }
 
@@ -183,11 +318,20 @@ uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char 
     return AnswerUnknownError();
 }
 
+void SetPromisesTaken(uint64_t taken) {
+    store().line.counter.store(taken, std::memory_order_relaxed);
+}
+
+threading::Mutex& SensorRegistryMutex() {
+    return store().line.sensorRegistry;
+}
+
 uint32_t AnswerUnknownError() noexcept {
     uint32_t id = 0;
     try {
-        id = BridgeHelperCreatePromiseID();
-        BridgeHelperSetResponse(id, 500, kUnknownErrorResponse);
+        uint64_t const ticket = store().take();
+        id = static_cast<uint32_t>(ticket);
+        store().storeOwn(ticket, 500, kUnknownErrorResponse);
     } catch (...) {
         // Out of memory even for this: the id stays unanswered (its fetch gives 500).
     }
@@ -197,38 +341,61 @@ uint32_t AnswerUnknownError() noexcept {
 } // namespace tovel
 
 uint32_t BridgeHelperCreatePromiseID() {
-    return store().counter.fetch_add(1, std::memory_order_relaxed) + 1;
+    return static_cast<uint32_t>(store().take());
 }
 
 void BridgeHelperSetResponse(uint32_t id, _BridgeStatusCode status, std::string text) {
-    ResponseShard& s = store().shard(id);
-    ResponseShard::Map staging;
-    staging.emplace(id, BridgeResponse{status, std::move(text)});
-    ResponseShard::Map::node_type node = staging.extract(staging.begin());
-    {
-        CriticalSectionLocker locker(&s.lock);
-        auto const entry = s.responses.find(id);
-        if (entry != s.responses.end())
-            std::swap(entry->second, node.mapped()); // replaces; the old goes below
-        else
-            s.responses.insert(std::move(node));
-    }
+    ResponseShard::Map::node_type node = makeNode(id, status, std::move(text));
+    store().storeDirect(node);
 }
 
+namespace {
+
+// Under the shard's lock: answers the fetch of an entry; the node is the
+// entry taken out when the text is wanted (to be copied outside the lock).
+inline __attribute__((always_inline)) uint32_t answer(ResponseShard& s, ResponseShard::Map::iterator entry,
+                                                      char* buffer, uint32_t* length,
+                                                      ResponseShard::Map::node_type& node) {
+    if (buffer == nullptr) {
+        *length = static_cast<uint32_t>(entry->second.text.size()) + 1;
+        return entry->second.status;
+    }
+    node = s.extract(entry);
+    return 0;
+}
+
+} // namespace
+
+// The calling thread's shard first: the thread that made a response usually
+// fetches it. Elsewhere empty shards are passed over without their locks; a
+// response stored meanwhile is one stored after the fetch began.
 uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length) {
     if (length == nullptr) return 500;
-    ResponseShard& s = store().shard(id);
+    ResponseStore& responses = store();
+    uint32_t const own = ResponseStore::threadShard();
     ResponseShard::Map::node_type node;
+    uint32_t status = 500;
+    bool found = false;
     {
+        ResponseShard& s = responses.shards[own];
         CriticalSectionLocker locker(&s.lock);
         auto const entry = s.responses.find(id);
-        if (entry == s.responses.end()) return 500;
-        if (buffer == nullptr) {
-            *length = static_cast<uint32_t>(entry->second.text.size()) + 1;
-            return entry->second.status;
+        if (entry != s.responses.end()) {
+            status = answer(s, entry, buffer, length, node);
+            found = true;
         }
-        node = s.responses.extract(entry);
     }
+    for (uint32_t i = 0; i <= ResponseStore::kThreadShards && !found; ++i) {
+        ResponseShard& s = responses.shards[i];
+        if (i == own || s.size.load(std::memory_order_relaxed) == 0) continue;
+        CriticalSectionLocker locker(&s.lock);
+        auto const entry = s.responses.find(id);
+        if (entry != s.responses.end()) {
+            status = answer(s, entry, buffer, length, node);
+            found = true;
+        }
+    }
+    if (!found || buffer == nullptr) return status;
     std::string const& text = node.mapped().text;
     uint32_t const n = static_cast<uint32_t>(text.size());
     uint32_t const copy = *length < n ? *length : n;

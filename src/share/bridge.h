@@ -6,6 +6,7 @@
 
 #include "quilljson/value.h"
 #include "share/bridge_result.h"
+#include "tvl/threading/mutex_posix.h"
 
 // The parsed request: request (with "method"), path parameters, query, data.
 struct BridgeData {
@@ -71,6 +72,12 @@ uint32_t RunEndpointGuarded(BridgeTemplate& endpoint, char const* request, char 
                             char const* query, char const* data);
 // Stores the 500 "UnknownError" response under a fresh id and returns the id.
 uint32_t AnswerUnknownError() noexcept;
+// The sensor registry's lock (device::SensorCache), kept beside the promise
+// counter. Never destroyed.
+threading::Mutex& SensorRegistryMutex();
+// Sets how many promises were handed out, wraps of the 32-bit ids included:
+// lets tests reach a wrap of the counter.
+void SetPromisesTaken(uint64_t taken);
 
 template <typename Endpoint>
 uint32_t RunEndpoint(char const* request, char const* parameters, char const* query, char const* data) {

@@ -113,6 +113,48 @@ TEST_F(Journal, ConcurrentCallsAreAllRecorded) {
     EXPECT_EQ(Value(0), World()["monitors"][0]["lockCount"]);
 }
 
+// Two threads, each measuring its own sensor (a lane each) and making calls
+// that change the world (another lane): each thread finds its calls in the
+// order it made them, and a call made after both finished comes last.
+TEST_F(Journal, ConcurrentThreadsFindTheirCallsInTheirOrder) {
+    void* sensors[2] = {nullptr, nullptr};
+    ASSERT_EQ(0, MDOpen(8, &sensors[0]).code);
+    ASSERT_EQ(0, MDOpen(11, &sensors[1]).code);
+    SimClearJournal();
+    int const calls = 1000;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 2; ++t)
+        threads.emplace_back([t, &sensors] {
+            colour raw{}, measured{};
+            for (int i = 0; i < calls; ++i) {
+                MDMeasureXYZ2(sensors[t], &raw, &measured);
+                MDGetNameFromDeviceID(static_cast<MDDeviceID>(10000 * (t + 1) + i));
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    MDGetNameFromDeviceID(1);
+
+    Value const journal = ::simtest::Journal();
+    ASSERT_EQ(static_cast<unsigned long>(4 * calls + 1), journal.size());
+    EXPECT_EQ(Value(1), journal[journal.size() - 1]["args"][0]);
+    for (int t = 0; t < 2; ++t) {
+        std::vector<std::string> seen;
+        for (unsigned long i = 0; i + 1 < journal.size(); ++i) {
+            Value const& entry = journal[i];
+            bool const measure = entry["function"] == Value("MDMeasureXYZ2");
+            if (measure ? entry["args"][0] == Handle(sensors[t])
+                        : entry["args"][0].asInteger() / 10000 == t + 1)
+                seen.push_back(measure ? "m" : std::to_string(entry["args"][0].asInteger() % 10000));
+        }
+        ASSERT_EQ(static_cast<size_t>(2 * calls), seen.size()) << t;
+        for (int i = 0; i < calls; ++i) {
+            EXPECT_EQ("m", seen[2 * i]) << t << " " << i;
+            EXPECT_EQ(std::to_string(i), seen[2 * i + 1]) << t << " " << i;
+        }
+    }
+}
+
 class Legacy : public SimTest {};
 
 TEST_F(Legacy, SeesTheSensorsOpenedThroughTheLinkedLibrary) {

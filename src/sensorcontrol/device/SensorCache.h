@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 
+#include "share/bridge.h"
 #include "tvl/threading/mutex_posix.h"
 
 namespace tovel {
@@ -19,7 +20,7 @@ class SensorCache {
 public:
     static SensorCache& Instance();
 
-    threading::Mutex& mutex() { return mutex_; }
+    threading::Mutex& mutex() const { return mutex_; }
 
     // Registering, unregistering, contains and clear do not lock: callers that
     // run concurrently with requests hold mutex() around them.
@@ -40,7 +41,7 @@ private:
     SensorCache() = default;
 
     std::map<std::string, SensorHandle> handles_;
-    mutable threading::Mutex mutex_;
+    threading::Mutex& mutex_ = SensorRegistryMutex(); // beside the promise counter, see there
 };
 
 } // namespace device
