@@ -375,26 +375,17 @@ uint32_t BridgeHelperGetResponse(uint32_t id, char* buffer, uint32_t* length) {
     uint32_t const own = ResponseStore::threadShard();
     ResponseShard::Map::node_type node;
     uint32_t status = 500;
-    bool found = false;
-    {
-        ResponseShard& s = responses.shards[own];
+    auto const lookIn = [&](ResponseShard& s) {
         CriticalSectionLocker locker(&s.lock);
         auto const entry = s.responses.find(id);
-        if (entry != s.responses.end()) {
-            status = answer(s, entry, buffer, length, node);
-            found = true;
-        }
-    }
-    for (uint32_t i = 0; i <= ResponseStore::kThreadShards && !found; ++i) {
-        ResponseShard& s = responses.shards[i];
-        if (i == own || s.size.load(std::memory_order_relaxed) == 0) continue;
-        CriticalSectionLocker locker(&s.lock);
-        auto const entry = s.responses.find(id);
-        if (entry != s.responses.end()) {
-            status = answer(s, entry, buffer, length, node);
-            found = true;
-        }
-    }
+        if (entry == s.responses.end()) return false;
+        status = answer(s, entry, buffer, length, node);
+        return true;
+    };
+    bool found = lookIn(responses.shards[own]);
+    for (uint32_t i = 0; i <= ResponseStore::kThreadShards && !found; ++i)
+        if (i != own && responses.shards[i].size.load(std::memory_order_relaxed) != 0)
+            found = lookIn(responses.shards[i]);
     if (!found || buffer == nullptr) return status;
     std::string const& text = node.mapped().text;
     uint32_t const n = static_cast<uint32_t>(text.size());
