@@ -53,15 +53,15 @@ DEVICE_API DvError MDMeasureRaw(void* handle, MDMeasurementData* data); /* by na
 DEVICE_API DvError MDTakeOutArm(void* handle);
 DEVICE_API DvError MDTakeInArm(void* handle);
 DEVICE_API DvError MDGetSensorPosition(void* handle, int32_t* position);
-DEVICE_API DvError MDGetExteriorLightingState(void* handle, MDExteriorLightingState* state);   /* by name */
-DEVICE_API DvError MDSetExteriorLightingState(void* handle, MDExteriorLightingState state);    /* by name */
+DEVICE_API DvError MDGetExteriorLightingState(void* handle, MDExteriorLightingState* state);     /* by name */
+DEVICE_API DvError MDSetExteriorLightingState(void* handle, MDExteriorLightingState state);      /* by name */
 DEVICE_API DvError MDGetParameterDescription(void* handle, MDParameterDescription* description); /* by name */
-DEVICE_API DvError MDSetParameterDescription(void* handle, MDParameterDescription description); /* by name */
-DEVICE_API DvError MDGetTargetMarker(void* handle, MDTargetMarkerStatus* status);              /* by name */
-DEVICE_API DvError MDSetTargetMarker(void* handle, MDTargetMarkerStatus status);               /* by name */
-DEVICE_API DvError MDCalcIFSTempCorrectParam(void* handle);                                    /* by name */
-DEVICE_API DvError MDGetIFSBrightCorrectParamUpdateEnabled(void* handle, signed char* enabled); /* by name */
-DEVICE_API DvError MDSetIFSBrightCorrectParamUpdateEnabled(void* handle, signed char enabled);  /* by name */
+DEVICE_API DvError MDSetParameterDescription(void* handle, MDParameterDescription description);  /* by name */
+DEVICE_API DvError MDGetTargetMarker(void* handle, MDTargetMarkerStatus* status);                /* by name */
+DEVICE_API DvError MDSetTargetMarker(void* handle, MDTargetMarkerStatus status);                 /* by name */
+DEVICE_API DvError MDCalcIFSTempCorrectParam(void* handle);                                      /* by name */
+DEVICE_API DvError MDGetIFSBrightCorrectParamUpdateEnabled(void* handle, signed char* enabled);  /* by name */
+DEVICE_API DvError MDSetIFSBrightCorrectParamUpdateEnabled(void* handle, signed char enabled);   /* by name */
 DEVICE_API DvError MDGetDeviceOptionValue(void* handle, char const* option, int64_t* value);     /* by name */
 DEVICE_API DvError MDSetDeviceOptionValue(void* handle, char const* option, int64_t value);      /* by name */
 

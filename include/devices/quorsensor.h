@@ -24,13 +24,16 @@ DEVICE_API DvError CSSG2H_SetColorSensorDataIndex2(void* hid, CSSG2_COLORSENSOR_
                                                    CSSG2_COLORSENSOR_DATA_INDEX index);
 
 /* reference-sensor description; the serial buffer holds 33 characters */
-DEVICE_API DvError CSSG2H_GetCriterionSensorDescription(void* hid, CSSG2_Date* date, int* deviceID, char* serial);
-DEVICE_API DvError CSSG2H_SetCriterionSensorDescription(void* hid, CSSG2_Date date, int deviceID, char* serial);
+DEVICE_API DvError CSSG2H_GetCriterionSensorDescription(void* hid, CSSG2_Date* date, int* deviceID,
+                                                        char* serial);
+DEVICE_API DvError CSSG2H_SetCriterionSensorDescription(void* hid, CSSG2_Date date, int deviceID,
+                                                        char* serial);
 
 /* correlation data, first generation */
 DEVICE_API DvError CSSG2H_R2XCGetRefParam(void* hid, R2XC_RefParam* param);
 DEVICE_API DvError CSSG2H_R2XCSetRefParam(void* hid, R2XC_RefParam param);
-DEVICE_API DvError CSSG2H_R2XCGetNormalizedMeasurementValue(void* hid, R2XC_NormalizedMeasurementValue* value);
+DEVICE_API DvError CSSG2H_R2XCGetNormalizedMeasurementValue(void* hid,
+                                                            R2XC_NormalizedMeasurementValue* value);
 DEVICE_API DvError CSSG2H_R2XCSetNormalizedMeasurementValue(void* hid, R2XC_NormalizedMeasurementValue value);
 DEVICE_API DvError CSSG2H_R2XCGetToneCorrectionParam(void* hid, R2XC_ToneCorrectionParam* param);
 DEVICE_API DvError CSSG2H_R2XCSetToneCorrectionParam(void* hid, R2XC_ToneCorrectionParam param);
@@ -49,8 +52,8 @@ DEVICE_API DvError CSSG2H_SetColorSensorCalibData(void* hid, double brightness, 
 DEVICE_API DvError CSSG2H_SendColorSensorCalibData(void* hid);
 DEVICE_API DvError CSSG2H_GetColorSensorCorrectionData(void* hid, KMCAL_CALDATA_CORRECT* correction,
                                                        double* step /* 9 */,
-                                                       KMCAL_MEASDATA_CORRECT_GRAY* measurement, double* gamma,
-                                                       double* threshold);
+                                                       KMCAL_MEASDATA_CORRECT_GRAY* measurement,
+                                                       double* gamma, double* threshold);
 DEVICE_API DvError CSSG2H_SetColorSensorCorrectionData(void* hid, KMCAL_CALDATA_CORRECT const* correction,
                                                        double const* step /* 9 */,
                                                        KMCAL_MEASDATA_CORRECT_GRAY const* measurement,

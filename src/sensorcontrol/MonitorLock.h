@@ -8,7 +8,8 @@ namespace tovel {
 // Finds the monitor (product, serial) whose HID handle is hidHandle by walking
 // the monitor list. Not found: 404 "Error" "HID handle is not found." when
 // throwIfNotFound, else the arrays are left untouched.
-void GetSerialProductWithHIDHandle(void* hidHandle, char (*product)[9], char (*serial)[17], bool throwIfNotFound);
+void GetSerialProductWithHIDHandle(void* hidHandle, char (*product)[9], char (*serial)[17],
+                                   bool throwIfNotFound);
 
 class MonitorLock {
 public:

@@ -13,8 +13,8 @@ namespace tovel {
 class DateTime {
 public:
     DateTime() = default;
-    DateTime(int32_t year, int32_t month, int32_t day, int32_t hour = 0, int32_t minute = 0, int32_t second = 0,
-             int32_t msec = 0)
+    DateTime(int32_t year, int32_t month, int32_t day, int32_t hour = 0, int32_t minute = 0,
+             int32_t second = 0, int32_t msec = 0)
         : year(year), month(month), day(day), hour(hour), minute(minute), second(second), msec(msec) {}
     virtual ~DateTime() = default;
 

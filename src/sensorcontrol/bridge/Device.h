@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "share/bridge.h"
 #include "sensorcontrol/MonitorLock.h"
+#include "share/bridge.h"
 
 namespace tovel {
 namespace bridge {

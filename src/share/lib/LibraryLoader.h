@@ -26,22 +26,22 @@ private:
 };
 
 // Declares a loader class with its library word and missing-function message.
-#define TOVEL_DECLARE_LOADER(Class)                                                                             \
-    class Class : public LibraryLoader {                                                                      \
-    public:                                                                                                   \
-        static Class& loader();                                                                               \
-                                                                                                              \
-    private:                                                                                                  \
-        Class();                                                                                              \
+#define TOVEL_DECLARE_LOADER(Class)                                                                          \
+    class Class : public LibraryLoader {                                                                     \
+    public:                                                                                                  \
+        static Class& loader();                                                                              \
+                                                                                                             \
+    private:                                                                                                 \
+        Class();                                                                                             \
     }
 
 // Defines a loader's constructor and its process-wide instance.
-#define TOVEL_DEFINE_LOADER(Class, word, message)                                                              \
-    Class::Class() : LibraryLoader(word, message) {}                                                          \
-    Class& Class::loader() {                                                                                  \
-        static Class instance;                                                                                \
-        instance.ensureLoaded();                                                                              \
-        return instance;                                                                                      \
+#define TOVEL_DEFINE_LOADER(Class, word, message)                                                            \
+    Class::Class() : LibraryLoader(word, message) {}                                                         \
+    Class& Class::loader() {                                                                                 \
+        static Class instance;                                                                               \
+        instance.ensureLoaded();                                                                             \
+        return instance;                                                                                     \
     }
 
 } // namespace tovel
