@@ -91,6 +91,10 @@ TEST(GatewayLimits, MalformedRequestsAreAnsweredAndTheServerGoesOn) {
     std::string manyHeaders;
     for (int i = 0; i < 2000; ++i)
         manyHeaders += "X-" + std::to_string(i) + ": v\r\n";
+    // Each line within the length limit, but more of them than any client sends.
+    std::string floodHeaders;
+    for (int i = 0; i < 1000; ++i)
+        floodHeaders += "X-" + std::to_string(i) + ": " + std::string(100, 'v') + "\r\n";
     struct Case {
         char const* what;
         std::string raw;
@@ -102,8 +106,10 @@ TEST(GatewayLimits, MalformedRequestsAreAnsweredAndTheServerGoesOn) {
          "HTTP/1.1 414"},
         {"header too long",
          "GET /Sensors HTTP/1.1\r\n" + host + "X-Big: " + std::string(100000, 'a') + "\r\n\r\n",
-         "HTTP/1.1 400"},
+         "HTTP/1.1 431"},
         {"many headers", "GET /Sensors HTTP/1.1\r\n" + host + manyHeaders + "\r\n", ""},
+        {"header block too large", "GET /Sensors HTTP/1.1\r\n" + host + floodHeaders + "\r\n",
+         "HTTP/1.1 431"},
         {"bad length", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: -5\r\n\r\n", ""},
         {"body cut short", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: 100\r\n\r\n{\"a\"", ""},
         {"request cut short", "GET /Sens", ""},

@@ -101,6 +101,12 @@ bool ConnectionStream::is_writable() const {
 
 ssize_t ConnectionStream::read(char* ptr, size_t size) {
     // The HTTP library reads the request line and headers a byte at a time.
+    if (size != 1) {
+        readingHead_ = false;
+    } else if (readingHead_ && ++headBytes_ > kHeadLimit) {
+        headTooLarge_ = true;
+        return -1;
+    }
     if (size == 1 && begin_ < end_) {
         *ptr = buffer_[begin_++];
         return 1;
@@ -121,6 +127,7 @@ ssize_t ConnectionStream::read(char* ptr, size_t size) {
 }
 
 ssize_t ConnectionStream::write(char const* ptr, size_t size) {
+    if (headTooLarge_) return static_cast<ssize_t>(size);
     if (holdFirstWrite_) {
         holdFirstWrite_ = false;
         held_.assign(ptr, size);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "connection_stream.h"
+#include "envelope.h"
 
 namespace sensorctl::gateway {
 
@@ -11,6 +12,16 @@ namespace {
 
 std::chrono::milliseconds Milliseconds(time_t seconds, time_t microseconds) {
     return std::chrono::milliseconds(seconds * 1000 + microseconds / 1000);
+}
+
+std::string HeadTooLargeAnswer() {
+    std::string const body = ErrorEnvelope("RequestHeaderFieldsTooLargeError",
+                                           "The request line and headers are larger than " +
+                                               std::to_string(ConnectionStream::kHeadLimit) + " bytes.");
+    return "HTTP/1.1 431 Request Header Fields Too Large\r\nContent-Type: application/json\r\n"
+           "Content-Length: " +
+           std::to_string(body.size()) + "\r\nConnection: close\r\nX-Content-Type-Options: nosniff\r\n\r\n" +
+           body;
 }
 
 } // namespace
@@ -26,6 +37,10 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
             stream.beginRequest();
             served = process_request(stream, left == 1, closeRequested, nullptr);
             served = stream.flush() && served;
+            if (stream.headTooLarge()) {
+                served = stream.sendAnswer(HeadTooLargeAnswer());
+                break;
+            }
             if (!served || closeRequested) break;
         }
     }

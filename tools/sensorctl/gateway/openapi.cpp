@@ -63,6 +63,7 @@ StatusText const kGatewayStatuses[] = {
     {"413", "The body is over the size limit (\"PayloadTooLargeError\")."},
     {"421", "The Host header does not name this server (\"HostError\")."},
     {"429", "Too many requests from this client (\"TooManyRequestsError\")."},
+    {"431", "The request line and headers are over 64 KiB (\"RequestHeaderFieldsTooLargeError\")."},
     {"503", "Too many connections (\"ServiceUnavailableError\")."},
 };
 StatusText const kLeaseStatus = {"409", "The sensor is leased and the request did not carry its token in the "
