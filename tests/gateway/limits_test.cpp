@@ -64,6 +64,16 @@ TEST(GatewayLimits, RateLimitRefillsPerClient) {
     EXPECT_GE(refused, 5);
 }
 
+TEST(GatewayLimits, RangesAreIgnored) {
+    GatewayServer server;
+    auto client = server.bareClient();
+    httplib::Result whole = client->Get("/console/app.js");
+    httplib::Result ranged = client->Get("/console/app.js", {{"Range", "bytes=0-9999,0-9999,0-9999"}});
+    ASSERT_EQ(200, Status(whole));
+    EXPECT_EQ(200, Status(ranged));
+    EXPECT_TRUE(whole->body == ranged->body); // not the file three times over
+}
+
 TEST(GatewayLimits, ConnectionsOverTheLimitAnswer503) {
     auto options = GatewayServer::Defaults();
     options.maxConnections = 2;

@@ -106,6 +106,10 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
 
     server_.set_pre_routing_handler([this](httplib::Request const& request, httplib::Response& response) {
         t_started = Clock::now();
+        // Every answer is whole: the HTTP library would answer a list of
+        // ranges with each part built in memory, so that a short request could
+        // ask for a file a thousand times over.
+        const_cast<httplib::Request&>(request).ranges.clear();
         // Methods without a body are served here, sparing every request the
         // HTTP library's route matching (a std::regex per route); those with
         // a body go on to the handlers above, which read it.
