@@ -34,6 +34,14 @@ TEST(GatewayLimits, BodiesOverTheLimitAnswer413) {
                    "Transfer-Encoding: chunked\r\n\r\n7d0\r\n" + std::string(2000, ' ') + "\r\n0\r\n\r\n");
     EXPECT_EQ(0u, RawExchange(server.port(), chunked).find("HTTP/1.1 413"))
         << RawExchange(server.port(), chunked);
+    // Declared over the limit and none of it sent: refused at once, not after
+    // the server's read time-out.
+    for (char const* length : {"1001", "99999999999999999999999"}) {
+        std::string const answer =
+            RawExchange(server.port(), RawRequest(server, "PUT " + path,
+                                                  "Content-Length: " + std::string(length) + "\r\n\r\n"));
+        EXPECT_EQ(0u, answer.find("HTTP/1.1 413")) << length << ": " << answer;
+    }
 }
 
 TEST(GatewayLimits, RateLimitRefillsPerClient) {

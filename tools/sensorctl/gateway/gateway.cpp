@@ -90,9 +90,9 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
         });
         auto& writable = const_cast<httplib::Request&>(request); // the library's own, handed over as const
         if (!read) {
-            // Over the limit by its Content-Length (the HTTP library said 413)
-            // or by what arrived, or cut short.
-            int const status = over || response.status == 413 ? 413 : 400;
+            // Over the limit by what arrived (a length over it was refused
+            // before routing), or cut short.
+            int const status = over ? 413 : 400;
             writable.set_header("Connection", "close"); // the rest of the body may still be on its way
             response.status = status;
             response.set_content(HttpErrorText(status, options_.maxBodyBytes), "application/json");
@@ -120,8 +120,18 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
         // A request without Content-Length or Transfer-Encoding has no body
         // (curl -X POST sends such); this HTTP library would wait for one
         // until the connection closes and answer 400.
+        auto& writable = const_cast<httplib::Request&>(request); // the library's own, handed over as const
         if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
-            const_cast<httplib::Request&>(request).set_header("Content-Length", "0");
+            writable.set_header("Content-Length", "0");
+        // A length over the limit is refused before its body: the HTTP library
+        // would read and drop all of it first, however long it is.
+        std::string const length = request.get_header_value("Content-Length");
+        if (!length.empty() && length.find_first_not_of("0123456789") == std::string::npos &&
+            (length.size() > 19 || std::stoull(length) > options_.maxBodyBytes)) {
+            writable.set_header("Connection", "close");
+            Json(response, 413, HttpErrorText(413, options_.maxBodyBytes));
+            return httplib::Server::HandlerResponse::Handled;
+        }
         return httplib::Server::HandlerResponse::Unhandled;
     });
     size_t const maxBody = options_.maxBodyBytes;
