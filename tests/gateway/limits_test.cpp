@@ -128,7 +128,9 @@ TEST(GatewayLimits, MalformedRequestsAreAnsweredAndTheServerGoesOn) {
         {"many headers", "GET /Sensors HTTP/1.1\r\n" + host + manyHeaders + "\r\n", ""},
         {"header block too large", "GET /Sensors HTTP/1.1\r\n" + host + floodHeaders + "\r\n",
          "HTTP/1.1 431"},
-        {"bad length", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: -5\r\n\r\n", ""},
+        {"bad length", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: -5\r\n\r\n", "HTTP/1.1 400"},
+        {"length not a number", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: 1x\r\n\r\n",
+         "HTTP/1.1 400"},
         {"body cut short", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: 100\r\n\r\n{\"a\"", ""},
         {"request cut short", "GET /Sens", ""},
     };

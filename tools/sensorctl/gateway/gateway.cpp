@@ -124,12 +124,15 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
         if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
             writable.set_header("Content-Length", "0");
         // A length over the limit is refused before its body: the HTTP library
-        // would read and drop all of it first, however long it is.
+        // would read and drop all of it first, however long it is. One that is
+        // not a number it would take as 0, and the body as the next request.
         std::string const length = request.get_header_value("Content-Length");
-        if (!length.empty() && length.find_first_not_of("0123456789") == std::string::npos &&
-            (length.size() > 19 || std::stoull(length) > options_.maxBodyBytes)) {
+        bool const number = !length.empty() && length.find_first_not_of("0123456789") == std::string::npos;
+        if (request.has_header("Content-Length") &&
+            (!number || length.size() > 19 || std::stoull(length) > options_.maxBodyBytes)) {
+            int const status = number ? 413 : 400;
             writable.set_header("Connection", "close");
-            Json(response, 413, HttpErrorText(413, options_.maxBodyBytes));
+            Json(response, status, HttpErrorText(status, options_.maxBodyBytes));
             return httplib::Server::HandlerResponse::Handled;
         }
         return httplib::Server::HandlerResponse::Unhandled;
