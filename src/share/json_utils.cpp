@@ -174,22 +174,15 @@ namespace {
 struct ComponentTable {
     double colour::*member[256];
     constexpr ComponentTable() : member() {
-        member['X'] = &colour::X;
-        member['Y'] = &colour::Y;
-        member['Z'] = &colour::Z;
-        member['x'] = &colour::x;
-        member['y'] = &colour::y;
-        member['L'] = &colour::L;
-        member['a'] = &colour::a;
-        member['b'] = &colour::b;
-        member['C'] = &colour::C;
-        member['h'] = &colour::h;
-        member['T'] = &colour::T;
-        member['R'] = &colour::R;
-        member['G'] = &colour::G;
-        member['B'] = &colour::B;
-        member['M'] = &colour::M;
-        member['K'] = &colour::K;
+        struct Letter {
+            char letter;
+            double colour::*member;
+        } const letters[] = {{'X', &colour::X}, {'Y', &colour::Y}, {'Z', &colour::Z}, {'x', &colour::x},
+                             {'y', &colour::y}, {'L', &colour::L}, {'a', &colour::a}, {'b', &colour::b},
+                             {'C', &colour::C}, {'h', &colour::h}, {'T', &colour::T}, {'R', &colour::R},
+                             {'G', &colour::G}, {'B', &colour::B}, {'M', &colour::M}, {'K', &colour::K}};
+        for (Letter const& l : letters)
+            member[static_cast<unsigned char>(l.letter)] = l.member;
     }
 };
 constexpr ComponentTable kComponents;

@@ -52,9 +52,9 @@ std::string HostForAddress(std::string const& host) {
 } // namespace
 
 Gateway::Gateway(HostLibrary& library, GatewayOptions options)
-    : library_(library), options_(std::move(options)),
-      access_(options_.token, options_.host, options_.corsOrigins), limiter_(options_.requestsPerSecond),
-      forwarder_(library, events_, options_.maxLeaseSeconds), description_(OpenApiDescription()) {
+    : options_(std::move(options)), access_(options_.token, options_.host, options_.corsOrigins),
+      limiter_(options_.requestsPerSecond), forwarder_(library, events_, options_.maxLeaseSeconds),
+      description_(OpenApiDescription()) {
     size_t const maxConnections = options_.maxConnections;
     server_.new_task_queue = [maxConnections] { return new ConnectionPool(maxConnections); };
     server_.set_payload_max_length(options_.maxBodyBytes);

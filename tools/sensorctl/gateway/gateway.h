@@ -50,7 +50,6 @@ private:
     void serveEvents(httplib::Response& response);
     void publishRequest(httplib::Request const& request, httplib::Response const& response);
 
-    HostLibrary& library_;
     GatewayOptions const options_;
     AccessPolicy access_;
     RateLimiter limiter_;
