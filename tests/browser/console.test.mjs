@@ -16,6 +16,7 @@ async function openConsole(browser, gateway) {
     const page = await browser.context.newPage();
     const errors = [];
     page.on("pageerror", (e) => errors.push(e.message));
+    page.on("console", (m) => /Content Security Policy/.test(m.text()) && errors.push(m.text()));
     // API answers of 4xx and 5xx are the tests' business; the page's own files must load.
     page.on("response", (r) => {
         if (r.status() >= 400 && r.request().resourceType() !== "fetch") errors.push(`${r.status()} for ${r.url()}`);
