@@ -72,6 +72,25 @@ Fetched CallChecked(Endpoint endpoint, char const* request, char const* paramete
     return fetched;
 }
 
+std::string const& SensorId(bool builtin) {
+    static std::string ids[2];
+    std::string& id = ids[builtin ? 1 : 0];
+    void* handle = nullptr;
+    if (id.empty() || !SensorControlGetHandleForID(id.c_str(), &handle)) {
+        id = builtin ? IdOf(CallChecked(FindExport("Monitors"), R"({"method":"POST"})",
+                                        R"({"product":"LMN27A","serial":"41A00017"})", "", ""))
+                     : IdOf(CallChecked(FindExport("DeviceID"), R"({"method":"POST"})", R"({"deviceID":"8"})",
+                                        "", ""));
+    }
+    return id;
+}
+
+std::string Replace(std::string text, std::string const& from, std::string const& to) {
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
 std::string IdOf(Fetched const& opened) {
     auto const start = opened.text.find("\"value\":\"");
     if (opened.status != 200 || start == std::string::npos) return std::string();

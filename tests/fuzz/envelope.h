@@ -1,6 +1,6 @@
 // What every fuzz target of the exports does with a promise id: fetch the
 // response in the host's two steps and abort unless it is a well-formed
-// envelope with a status the library answers.
+// envelope with a status the library answers. And the sensors they address.
 #pragma once
 
 #include <cstdint>
@@ -28,5 +28,12 @@ Fetched CallChecked(Endpoint endpoint, char const* request, char const* paramete
 
 // The sensor id a successful open answered, else "".
 std::string IdOf(Fetched const& opened);
+
+// The id of the default world's device 8, or of the built-in sensor of its
+// first monitor; opened again when a request closed it.
+std::string const& SensorId(bool builtin);
+
+// `text` with every `from` replaced by `to`.
+std::string Replace(std::string text, std::string const& from, std::string const& to);
 
 } // namespace fuzz

@@ -16,26 +16,6 @@ namespace {
 
 char const* const kMethods[] = {"GET", "POST", "PUT", "DELETE"};
 
-// Sensor ids, opened again when a request closed them.
-std::string const& SensorId(bool builtin) {
-    static std::string ids[2];
-    std::string& id = ids[builtin ? 1 : 0];
-    void* handle = nullptr;
-    if (id.empty() || !SensorControlGetHandleForID(id.c_str(), &handle)) {
-        id = builtin ? fuzz::IdOf(fuzz::CallChecked(fuzz::FindExport("Monitors"), R"({"method":"POST"})",
-                                                    R"({"product":"LMN27A","serial":"41A00017"})", "", ""))
-                     : fuzz::IdOf(fuzz::CallChecked(fuzz::FindExport("DeviceID"), R"({"method":"POST"})",
-                                                    R"({"deviceID":"8"})", "", ""));
-    }
-    return id;
-}
-
-std::string Replace(std::string text, std::string const& from, std::string const& to) {
-    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-    return text;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -48,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     std::vector<std::string> const& names = fuzz::ExportNames();
     fuzz::Endpoint const endpoint = fuzz::FindExport(names[data[0] % names.size()]);
     if (endpoint == nullptr) __builtin_trap(); // the route table names an export the library lacks
-    std::string const& sensor = SensorId((data[1] & 0x04) != 0);
+    std::string const& sensor = fuzz::SensorId((data[1] & 0x04) != 0);
 
     std::vector<std::string> pieces(1);
     for (size_t i = 2; i < size; ++i) {
@@ -73,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
         request = pieces[0], parameters = pieces[1], query = pieces[2], body = pieces[3];
         break;
     }
-    parameters = Replace(parameters, "$s", sensor);
+    parameters = fuzz::Replace(parameters, "$s", sensor);
     fuzz::CallChecked(endpoint, request.c_str(), parameters.c_str(), query.c_str(), body.c_str());
     return 0;
 }

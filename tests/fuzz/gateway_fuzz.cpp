@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,6 @@
 #include "quilljson/parser.h"
 #include "resource_forwarder.h"
 #include "routes.h"
-#include "sensorcontrol/sensorcontrol.h"
 
 namespace {
 
@@ -47,22 +47,6 @@ Served& Gateway() {
         return made;
     }();
     return *served;
-}
-
-// Device 8, opened again when a request closed it.
-std::string const& SensorId() {
-    static std::string id;
-    void* handle = nullptr;
-    if (id.empty() || !SensorControlGetHandleForID(id.c_str(), &handle))
-        id = fuzz::IdOf(fuzz::CallChecked(fuzz::FindExport("DeviceID"), R"({"method":"POST"})",
-                                          R"({"deviceID":"8"})", "", ""));
-    return id;
-}
-
-std::string Replace(std::string text, std::string const& from, std::string const& to) {
-    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-    return text;
 }
 
 void CheckAnswer(httplib::Response const& response) {
@@ -98,7 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     }
     size_t next = 0;
     auto take = [&]() {
-        return next < pieces.size() ? Replace(pieces[next++], "$s", SensorId()) : std::string();
+        return next < pieces.size() ? fuzz::Replace(pieces[next++], "$s", fuzz::SensorId(false))
+                                    : std::string();
     };
 
     std::string target;
