@@ -118,10 +118,8 @@ TEST(Bridge, DispatchesByMethodWord) {
         {R"({"method":"PUT"})", "PUT"},
         {R"({"method":"dElEtE"})", "DELETE"},
         {R"({"method":"patch"})", "GET"},
-        {R"({"method":""})", "GET"},
         {R"({"method":1})", "GET"},
         {R"({"method":"post")", "GET"}, // malformed: the request is null
-        {R"(["post"])", "GET"},
         {R"({"Method":"post"})", "GET"},
     };
     for (auto const& c : cases) {
