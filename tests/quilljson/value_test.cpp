@@ -133,6 +133,10 @@ TEST(Value, ScalarTextAndLenientConversions) {
     EXPECT_EQ(Value(true).toString("-") + Value(-5).toString("-") + Value("s").toString("-"), "true-5s");
     EXPECT_EQ(Value(std::numeric_limits<int64_t>::min()).toString(""), "-9223372036854775808");
     EXPECT_EQ(Value::object().toString("fb") + Value().toString("fb"), "fbfb");
+    // Reals as the serializer writes them, and text even where it refuses them.
+    EXPECT_EQ(Value(-0.0).toString("") + " " + Value(-1.5e-7).toString("") + " " +
+                  Value(std::nan("")).toString("") + Value(-INFINITY).toString(""),
+              "0.0 -1.4999999999999999e-07 nan-inf");
 
     EXPECT_TRUE(Value("true").asBool());
     EXPECT_FALSE(Value("True").asBool());
