@@ -4,7 +4,6 @@ import assert from "node:assert/strict";
 import { after, before, describe, test } from "node:test";
 
 import { launchBrowser, screenshots, startGateway } from "./harness.mjs";
-import { diagramPixels } from "./pixels.mjs";
 
 const fromTable = async (row, column) =>
     Number(await row.locator(`td[data-column="${column}"]`).getAttribute("data-value"));
@@ -65,7 +64,7 @@ describe("the console on the default world", () => {
         await page.locator('#events-state[data-state="open"]').waitFor();
     });
 
-    test("a measurement appears in the table and at its xy on the diagram", async () => {
+    test("a measurement appears in the table and at its xy on the diagram, over the locus and sRGB triangle", async () => {
         sensor = await openSpectro(page);
         await page.getByRole("button", { name: "Measure once" }).click();
         const row = page.locator("#reading-table tbody tr").first();
@@ -94,15 +93,26 @@ describe("the console on the default world", () => {
             [x, y],
         );
         assert.ok(Math.abs(offset.dx) < 1 && Math.abs(offset.dy) < 1, JSON.stringify(offset));
-    });
 
-    test("the diagram is drawn: spectral locus, sRGB triangle and the reading", async () => {
-        const pixels = await diagramPixels(page, browser.context);
+        // Under the reading, in this order: the filled spectral locus of every tabulated
+        // wavelength, then the outlined sRGB triangle, each painted apart from the plot.
         await page.screenshot({ path: `${screenshots}/console.png`, fullPage: true });
-        assert.ok(pixels.locusFill > 0.25, `locus fill covers ${pixels.locusFill} of the plot`);
-        assert.ok(pixels.triangle > 100, `${pixels.triangle} pixels of the sRGB triangle`);
-        assert.ok(pixels.reading.count > 20, `${pixels.reading.count} pixels of the latest reading`);
-        assert.ok(pixels.reading.offset < 2, `the drawn reading is ${pixels.reading.offset} px from its place`);
+        const shapes = await page.evaluate(() => {
+            const all = [...document.querySelectorAll(".diagram *")];
+            return [".plot-area", ".locus", ".srgb", "circle.latest"].map((selector) => {
+                const e = document.querySelector(`.diagram ${selector}`);
+                const { fill, stroke } = getComputedStyle(e);
+                const { width, height } = e.getBoundingClientRect();
+                return { fill, stroke, area: width * height, points: e.points?.numberOfItems, order: all.indexOf(e) };
+            });
+        });
+        const [plot, locus, triangle, latest] = shapes;
+        assert.equal(locus.points, 95);
+        assert.equal(triangle.points, 3);
+        assert.ok(locus.fill !== plot.fill && locus.area > 0.25 * plot.area, JSON.stringify(shapes));
+        assert.ok(triangle.fill === "none" && triangle.stroke !== "none" && triangle.area > 0, JSON.stringify(shapes));
+        assert.ok(latest.fill !== "none" && latest.area > 0, JSON.stringify(shapes));
+        assert.ok(plot.order < locus.order && locus.order < triangle.order && triangle.order < latest.order);
     });
 
     test("continuous measurement goes on until stopped", async () => {
@@ -172,27 +182,21 @@ describe("the console on the default world", () => {
             .waitFor();
     });
 
-    test("a sensor leased by another client answers 409, shown plainly", async () => {
-        const lease = await api(
+    test("a sensor another client leased answers 409, shown plainly; the console's own lease keeps others out", async () => {
+        const leased = await api(
             "PUT",
             `/Sensors/${sensor}/Lease`,
             { "Content-Type": "application/json" },
             { owner: "bench", seconds: 60 },
         );
-        assert.equal(lease.status, 200);
-        const token = (await lease.json()).value.token;
-        try {
-            await page.getByRole("button", { name: "Measure once" }).click();
-            const status = page.locator("#measure-status");
-            await status.getByText("HTTP 409").waitFor();
-            assert.match(await status.textContent(), /Another client holds this sensor/);
-            assert.equal(await status.getAttribute("role"), "alert");
-        } finally {
-            await api("DELETE", `/Sensors/${sensor}/Lease`, { "Sensor-Lease": token });
-        }
-    });
+        assert.equal(leased.status, 200);
+        await page.getByRole("button", { name: "Measure once" }).click();
+        const status = page.locator("#measure-status");
+        await status.getByText("HTTP 409").waitFor();
+        assert.match(await status.textContent(), /Another client holds this sensor/);
+        assert.equal(await status.getAttribute("role"), "alert");
+        await api("DELETE", `/Sensors/${sensor}/Lease`, { "Sensor-Lease": (await leased.json()).value.token });
 
-    test("holding a sensor keeps other clients out until it is released", async () => {
         const lease = page.getByLabel("Hold this sensor");
         await lease.check();
         await page.locator("#lease-status", { hasText: "Held until" }).waitFor();

@@ -45,7 +45,6 @@ TEST_F(SensorInformation, ModeChecksQueryThenModeThenObserverKey) {
 
     ExpectBadRequest(put(::SensorMode, R"({"mode":"1","observerKey":"x"})"), "data requires 'mode'.");
     ExpectBadRequest(put(::SensorMode, R"({"mode":1})"), "data requires 'observerKey'.");
-    ExpectBadRequest(put(::SensorMode, "3"), "data requires 'mode'.");
     EXPECT_FALSE(Called("MDSetMode"));
 
     // Reals are rounded half away from zero; values beyond 32 bits keep their low 32 bits.
@@ -120,7 +119,6 @@ TEST_F(SensorPresence, OnOffTakesBooleansAndNumbersAndAnswersANumber) {
     EXPECT_EQ(Value(4097), Arg("CSSG2H_SetHumanDetectOnOff", 0)) << "the HID handle";
     host::ClearJournal();
     ExpectBadRequest(put(::SensorAmbrelSense, "\"true\""), "data must be number or boolean.");
-    ExpectBadRequest(put(::SensorAmbrelSense, ""), "data must be number or boolean.");
     EXPECT_FALSE(Called("CSSG2H_SetHumanDetectOnOff") || Called("DvCtrlLockMonitor")) << JournalText();
 }
 
@@ -153,7 +151,6 @@ using SensorMechanics = SensorTest;
 TEST_F(SensorMechanics, ArmNeedsSupportsQueryAndABooleanBody) {
     ExpectBadRequest(get(::SensorArm), "requires 'supports' query.");
     ExpectBadRequest(put(::SensorArm, "1"), "data must be boolean.");
-    ExpectBadRequest(put(::SensorArm, "\"true\""), "data must be boolean.");
     EXPECT_TRUE(Functions().empty()) << JournalText();
 
     ExpectOK(put(::SensorArm, "true"), Value());
@@ -250,10 +247,8 @@ TEST_F(SensorMechanics, DeviceOptionsDependOnTheModel) {
 
     id = host::OpenByDeviceID(11);
     putThenGet(::SensorDeviceOption, R"({"calibrationSet":2.5})", Json(R"({"calibrationSet":3})"));
-}
 
-// Model 12 may write its calibration set but does not report it.
-TEST_F(SensorMechanics, CalibrationSetWritableButNotReadableOnSomeModels) {
+    // Model 12 may write its calibration set but does not report it.
     LoadEditedWorld([](Value& world) { world["devices"][1]["deviceID"] = 12; });
     id = host::OpenByDeviceID(12);
     ExpectOK(get(::SensorDeviceOption), Value::object());

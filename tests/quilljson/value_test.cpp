@@ -133,6 +133,10 @@ TEST(Value, ScalarTextAndLenientConversions) {
     EXPECT_EQ(Value(true).toString("-") + Value(-5).toString("-") + Value("s").toString("-"), "true-5s");
     EXPECT_EQ(Value(std::numeric_limits<int64_t>::min()).toString(""), "-9223372036854775808");
     EXPECT_EQ(Value::object().toString("fb") + Value().toString("fb"), "fbfb");
+    // Reals as the serializer writes them, and text even where it refuses them.
+    EXPECT_EQ(Value(-0.0).toString("") + " " + Value(-1.5e-7).toString("") + " " +
+                  Value(std::nan("")).toString("") + Value(-INFINITY).toString(""),
+              "0.0 -1.4999999999999999e-07 nan-inf");
 
     EXPECT_TRUE(Value("true").asBool());
     EXPECT_FALSE(Value("True").asBool());
@@ -143,16 +147,7 @@ TEST(Value, ScalarTextAndLenientConversions) {
     EXPECT_EQ(Value("42x").asInteger() + Value("99999999999999999999").asInteger(), 0);
     EXPECT_EQ(Value("1.5").asDouble(), 1.5);
     EXPECT_EQ(Value("1.5x").asDouble(), 0.0);
-}
-
-TEST(Double, Text) {
-    EXPECT_EQ(doubleText(2.0) + " " + doubleText(0.0) + " " + doubleText(-0.0), "2 0.0 0.0");
-    EXPECT_EQ(doubleText(0.1), "0.10000000000000001");
-    EXPECT_EQ(doubleText(-1.5e-7), "-1.4999999999999999e-07");
-    std::string out;
-    EXPECT_FALSE(Double(std::nan("")).toString(out) || Double(-INFINITY).toString(out) ||
-                 Double(INFINITY).toString(out));
-    EXPECT_EQ(out, "nan-infinf");
+    EXPECT_EQ(Value("1e999").asDouble(), INFINITY); // out of range is still a whole number
 }
 
 // The fast double formatting must give exactly what "%.17g" gives.
@@ -187,14 +182,4 @@ TEST(Double, TextMatchesPrintfOnRandomDoubles) {
                      1125899906842624.75, 562949953421312.125, 0.3, 2.5e-7, 1e16, 99999999999999999.0,
                      9.9999999999999995e-5, 1e-4, 1e17, 8.5})
         check(d);
-}
-
-TEST(Double, StrToDoubleNeedsTheWholeText) {
-    bool ok = false;
-    EXPECT_EQ(Double::strToDouble("1.25", &ok), 1.25);
-    EXPECT_TRUE(ok);
-    Double::strToDouble("1.25.3", &ok);
-    EXPECT_FALSE(ok);
-    Double::strToDouble("1e999", &ok);
-    EXPECT_TRUE(ok);
 }

@@ -45,14 +45,6 @@ TEST(SensorctlRun, RequestsThatCannotBeUnderstoodNeverReachTheLibrary) {
     EXPECT_GT(help.lines.size(), 34u); // the usage and the resource table
 }
 
-TEST(SensorctlRun, JournalShowsTheDeviceCallsOfEachRequest) {
-    SensorctlRun run = RunSensorctl("--journal 'POST /Sensors/8'");
-    EXPECT_EQ(0, run.exitCode) << run.errors;
-    ASSERT_EQ(2u, run.lines.size()) << run.errors;
-    EXPECT_TRUE(StartsWith(run.lines[1], "journal [")) << run.lines[1];
-    EXPECT_NE(std::string::npos, run.lines[1].find(R"("function":"MDOpen")")) << run.lines[1];
-}
-
 TEST(SensorctlRun, TheDemoWalksTheDefaultWorldWithoutAnErrorStatus) {
     SensorctlRun run = RunSensorctl("demo");
     EXPECT_EQ(0, run.exitCode) << run.errors;

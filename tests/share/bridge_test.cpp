@@ -118,10 +118,8 @@ TEST(Bridge, DispatchesByMethodWord) {
         {R"({"method":"PUT"})", "PUT"},
         {R"({"method":"dElEtE"})", "DELETE"},
         {R"({"method":"patch"})", "GET"},
-        {R"({"method":""})", "GET"},
         {R"({"method":1})", "GET"},
         {R"({"method":"post")", "GET"}, // malformed: the request is null
-        {R"(["post"])", "GET"},
         {R"({"Method":"post"})", "GET"},
     };
     for (auto const& c : cases) {
@@ -148,7 +146,6 @@ TEST(Bridge, ParsesTheFourTexts) {
         {"[1", "null", R"("data":"null","parameters":null)"}, // the parser had built [1]
         {"{} x", "{\"a\":", R"("data":"{\"a\":","parameters":null)"},
         {" 3 ", " [1, {\"b\" : 2}] ", R"("data":[1,{"b":2}],"parameters":3)"},
-        {"", "1 2", R"("data":"1 2","parameters":null)"},
     };
     for (auto const& c : cases) {
         Scripted endpoint = Echo();

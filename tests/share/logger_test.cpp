@@ -22,7 +22,7 @@ BridgeResult WithStatus(uint32_t status) {
 
 } // namespace
 
-TEST(ResultLine, SuccessIsTheRange200To299) {
+TEST(ResultLine, SuccessIsTheRange200To299AndAnErrorCodeIsHex) {
     LorvantLevel level = tovel::LorvantLevelInfo;
     EXPECT_EQ(Line(WithStatus(299), &level),
               "statusCode:299\tmethod:PUT\turi:/host/Sensors/7/XYZ\tmsg:Success");
@@ -34,11 +34,7 @@ TEST(ResultLine, SuccessIsTheRange200To299) {
                       "\tmethod:PUT\turi:/host/Sensors/7/XYZ\terr:Error\tmsg:Not found.");
         EXPECT_EQ(level, 5);
     }
-}
-
-// A device error's own code (80000001) is checked in the log lines of the exports.
-TEST(ResultLine, ErrorCodeInHex) {
-    LorvantLevel level = tovel::LorvantLevelInfo;
+    // A detail's code in hex when it is a number (80000001 is checked in the exports' lines).
     struct Case {
         Value code;
         char const* suffix;

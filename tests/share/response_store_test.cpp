@@ -68,36 +68,6 @@ TEST(ResponseStore, ShortBufferGetsACutTextAndTheEntryIsGone) {
     EXPECT_EQ(buffer, std::string("ab\0\0\0\0##", 8)); // zeroed over the given length
 }
 
-TEST(ResponseStore, ConcurrentRequestsGetTheirOwnIdsAndAnswers) {
-    int const threads = 8, perThread = 300;
-    std::vector<std::vector<uint32_t>> ids(threads);
-    std::vector<int> wrong(threads, 0);
-    std::vector<std::thread> workers;
-    for (int t = 0; t < threads; ++t) {
-        workers.emplace_back([t, &ids, &wrong] {
-            Answer endpoint;
-            for (int i = 0; i < perThread; ++i) {
-                std::string const body = std::to_string(t * 100000 + i);
-                Fetched const f = Request(endpoint, R"({"method":"post"})", "", "", body.c_str());
-                ids[t].push_back(f.id);
-                if (f.status != 200 || f.text != R"({"error":null,"value":)" + body + "}") ++wrong[t];
-            }
-        });
-    }
-    for (auto& w : workers)
-        w.join();
-    std::set<uint32_t> all;
-    for (int t = 0; t < threads; ++t) {
-        EXPECT_EQ(wrong[t], 0);
-        EXPECT_TRUE(std::is_sorted(ids[t].begin(), ids[t].end()));
-        all.insert(ids[t].begin(), ids[t].end());
-    }
-    EXPECT_EQ(all.size(), static_cast<size_t>(threads * perThread));
-    uint32_t length = 0;
-    for (uint32_t id : all)
-        EXPECT_EQ(BridgeHelperGetResponse(id, nullptr, &length), 500u) << "left behind: " << id;
-}
-
 namespace {
 
 // Runs a POST of `body` without fetching its response.
@@ -118,7 +88,8 @@ std::string Text(uint32_t id, uint32_t* status) {
 } // namespace
 
 // Responses are kept near the thread that made them; any thread still finds
-// them, and a set under an id replaces the entry wherever it was made.
+// them, and a set under an id replaces the entry wherever it was made. Every
+// request meanwhile gets an id of its own, in order, and its own answer.
 TEST(ResponseStore, ConcurrentFetchesAndReplacesOfResponsesMadeOnOtherThreads) {
     int const threads = 4, perThread = 200;
     std::vector<std::vector<uint32_t>> ids(threads);
@@ -132,10 +103,12 @@ TEST(ResponseStore, ConcurrentFetchesAndReplacesOfResponsesMadeOnOtherThreads) {
         m.join();
 
     std::vector<int> wrong(threads, 0);
+    std::vector<std::vector<uint32_t>> own(threads);
     std::vector<std::thread> fetchers;
     for (int t = 0; t < threads; ++t)
-        fetchers.emplace_back([t, &ids, &wrong] {
+        fetchers.emplace_back([t, &ids, &own, &wrong] {
             int const maker = (t + 1) % threads;
+            Answer endpoint;
             for (int i = 0; i < perThread; ++i) {
                 uint32_t const id = ids[maker][i];
                 uint32_t status = 0;
@@ -145,12 +118,25 @@ TEST(ResponseStore, ConcurrentFetchesAndReplacesOfResponsesMadeOnOtherThreads) {
                                : R"({"error":null,"value":)" + std::to_string(maker * 1000 + i) + "}";
                 if (Text(id, &status) != expected || status != (i % 2 == 1 ? 201u : 200u)) ++wrong[t];
                 if (Text(id, &status) != "" || status != 500) ++wrong[t]; // no second copy anywhere
+                std::string const body = std::to_string(100000 * (t + 1) + i);
+                Fetched const f = Request(endpoint, R"({"method":"post"})", "", "", body.c_str());
+                if (f.status != 200 || f.text != R"({"error":null,"value":)" + body + "}") ++wrong[t];
+                own[t].push_back(f.id);
             }
         });
     for (auto& f : fetchers)
         f.join();
-    for (int t = 0; t < threads; ++t)
+    std::set<uint32_t> all;
+    for (int t = 0; t < threads; ++t) {
         EXPECT_EQ(wrong[t], 0) << t;
+        EXPECT_TRUE(std::is_sorted(own[t].begin(), own[t].end()));
+        all.insert(ids[t].begin(), ids[t].end());
+        all.insert(own[t].begin(), own[t].end());
+    }
+    EXPECT_EQ(all.size(), static_cast<size_t>(2 * threads * perThread));
+    uint32_t status = 0;
+    for (uint32_t id : all)
+        EXPECT_EQ("", Text(id, &status)) << "left behind: " << id;
 }
 
 // After 2^32 promises the ids come round again; a response never fetched is
