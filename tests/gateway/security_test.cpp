@@ -48,13 +48,13 @@ TEST(GatewaySecurity, HostHeaderMustNameTheServer) {
     GatewayServer server;
     auto client = server.client();
     std::string const port = std::to_string(server.port());
-    for (std::string const host : {"127.0.0.1:" + port, "localhost:" + port, "LOCALHOST:" + port}) {
+    for (std::string const& host : {"127.0.0.1:" + port, "localhost:" + port, "LOCALHOST:" + port}) {
         httplib::Result result = client->Get("/Sensors", {{"Host", host}});
         EXPECT_EQ(200, result->status) << host;
     }
     // A page served from evil.example that rebinds its name to 127.0.0.1
     // sends its own name; another port is another server.
-    for (std::string const host :
+    for (std::string const& host :
          {"evil.example:" + port, std::string("evil.example"), std::string("127.0.0.1"),
           std::string("127.0.0.1:1"), "localhost.evil.example:" + port}) {
         httplib::Result result = client->Get("/Sensors", {{"Host", host}});
