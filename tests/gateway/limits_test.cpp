@@ -129,6 +129,10 @@ TEST(GatewayLimits, MalformedRequestsAreAnsweredAndTheServerGoesOn) {
         {"header block too large", "GET /Sensors HTTP/1.1\r\n" + host + floodHeaders + "\r\n",
          "HTTP/1.1 431"},
         {"bad length", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: -5\r\n\r\n", "HTTP/1.1 400"},
+        {"length and chunks",
+         "PUT /Sensors HTTP/1.1\r\n" + host +
+             "Content-Length: 3\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n0\r\n\r\n",
+         "HTTP/1.1 400"},
         {"length not a number", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: 1x\r\n\r\n",
          "HTTP/1.1 400"},
         {"body cut short", "PUT /Sensors HTTP/1.1\r\n" + host + "Content-Length: 100\r\n\r\n{\"a\"", ""},

@@ -126,14 +126,19 @@ Gateway::Gateway(HostLibrary& library, GatewayOptions options)
         // A length over the limit is refused before its body: the HTTP library
         // would read and drop all of it first, however long it is. One that is
         // not a number it would take as 0, and the body as the next request.
-        std::string const length = request.get_header_value("Content-Length");
-        bool const number = !length.empty() && length.find_first_not_of("0123456789") == std::string::npos;
-        if (request.has_header("Content-Length") &&
-            (!number || length.size() > 19 || std::stoull(length) > options_.maxBodyBytes)) {
-            int const status = number ? 413 : 400;
-            writable.set_header("Connection", "close");
-            Json(response, status, HttpErrorText(status, options_.maxBodyBytes));
-            return httplib::Server::HandlerResponse::Handled;
+        // Both a length and a transfer coding make the body's end a matter of
+        // opinion between this server and anything in front of it: refused.
+        if (request.has_header("Content-Length")) {
+            std::string const length = request.get_header_value("Content-Length");
+            bool const valid = !length.empty() &&
+                               length.find_first_not_of("0123456789") == std::string::npos &&
+                               !request.has_header("Transfer-Encoding");
+            if (!valid || length.size() > 19 || std::stoull(length) > options_.maxBodyBytes) {
+                int const status = valid ? 413 : 400;
+                writable.set_header("Connection", "close");
+                Json(response, status, HttpErrorText(status, options_.maxBodyBytes));
+                return httplib::Server::HandlerResponse::Handled;
+            }
         }
         return httplib::Server::HandlerResponse::Unhandled;
     });
